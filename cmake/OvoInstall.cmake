@@ -1,0 +1,24 @@
+# Headers, the library, a CMake package (find_package(ovosystem) gives ovo::ovosystem)
+# and a pkg-config file.
+include(CMakePackageConfigHelpers)
+
+set(OVO_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/ovosystem)
+
+install(TARGETS ovosystem EXPORT ovosystemTargets
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ovo DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(EXPORT ovosystemTargets NAMESPACE ovo:: DESTINATION ${OVO_CMAKE_DIR})
+
+configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/ovosystemConfig.cmake.in
+    ${PROJECT_BINARY_DIR}/ovosystemConfig.cmake INSTALL_DESTINATION ${OVO_CMAKE_DIR})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/ovosystemConfigVersion.cmake
+    COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/ovosystemConfig.cmake ${PROJECT_BINARY_DIR}/ovosystemConfigVersion.cmake
+    DESTINATION ${OVO_CMAKE_DIR})
+
+# Relocatable: the prefix is found from where the .pc file lies.
+file(RELATIVE_PATH OVO_PC_PREFIX_FROM_PCDIR /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+configure_file(${PROJECT_SOURCE_DIR}/cmake/ovosystem.pc.in ${PROJECT_BINARY_DIR}/ovosystem.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/ovosystem.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,0 +1,12 @@
+// Everything the library exports.
+#ifndef OVO_OVOSYSTEM_H
+#define OVO_OVOSYSTEM_H
+
+#include <ovo/logger/channel.h>
+#include <ovo/logger/formatter.h>
+#include <ovo/logger/logger.h>
+#include <ovo/number_formatter.h>
+#include <ovo/number_parser.h>
+#include <ovo/strings.h>
+
+#endif

@@ -1,0 +1,35 @@
+# Installs the build into a fresh prefix, then builds and runs a small client against
+# it twice: once with find_package(ovosystem), once with the flags of pkg-config.
+function(run)
+    execute_process(COMMAND ${ARGN} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
+    if(NOT rc EQUAL 0)
+        message(FATAL_ERROR "failed (${rc}): ${ARGN}\n${out}\n${err}")
+    endif()
+    set(output "${out}" PARENT_SCOPE)
+endfunction()
+
+function(expect_client_output text)
+    if(NOT text STREQUAL "parsed 4660, bytes 12 34 AB \n")
+        message(FATAL_ERROR "unexpected client output: [${text}]")
+    endif()
+endfunction()
+
+set(prefix ${WORK_DIR}/prefix)
+file(REMOVE_RECURSE ${WORK_DIR})
+run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix})
+
+run(${CMAKE_COMMAND} -S ${CLIENT_DIR} -B ${WORK_DIR}/cmake-client -DCMAKE_PREFIX_PATH=${prefix}
+    -DCMAKE_CXX_COMPILER=${CXX})
+run(${CMAKE_COMMAND} --build ${WORK_DIR}/cmake-client)
+run(${WORK_DIR}/cmake-client/ovo_client)
+expect_client_output("${output}")
+
+file(GLOB_RECURSE pcFile ${prefix}/*/ovosystem.pc)
+get_filename_component(pcDir "${pcFile}" DIRECTORY)
+run(${CMAKE_COMMAND} -E env PKG_CONFIG_PATH=${pcDir} pkg-config --cflags --libs ovosystem)
+string(STRIP "${output}" flags)
+separate_arguments(flags UNIX_COMMAND "${flags}")
+run(${CXX} -std=c++17 ${CLIENT_DIR}/main.cpp ${flags} -o ${WORK_DIR}/pkg-config-client)
+get_filename_component(libDir "${pcDir}" DIRECTORY)
+run(${CMAKE_COMMAND} -E env LD_LIBRARY_PATH=${libDir} ${WORK_DIR}/pkg-config-client)
+expect_client_output("${output}")
