@@ -2,6 +2,7 @@
 # The wrapper finds ovosystem.dll beside the programs and the MinGW run-time DLLs
 # (libstdc++, libgcc, winpthread) through WINEPATH.
 set(OVO_WINE_LOADER /usr/lib/wine/wine64 CACHE FILEPATH "Wine loader for the Windows test programs")
+set(OVO_WINESERVER /usr/lib/wine/wineserver64 CACHE FILEPATH "Wine server of the Windows test programs")
 set(OVO_WINEPREFIX ${PROJECT_BINARY_DIR}/wineprefix CACHE PATH "Wine prefix of this build's test runs")
 
 set(runtimeDirs "")
