@@ -1,8 +1,8 @@
 #include "logger/logger_impl.h"
 
 #include <ovo/number_formatter.h>
-#include <ovo/strings.h>
 
+#include <cstring>
 #include <utility>
 
 namespace {
@@ -11,15 +11,25 @@ const int infoThreshold = 0;
 const int traceThreshold = 1;
 const int dumpBytesPerLine = 16;
 
+// The text of ovo::format("%s<joint>%s", message, tail) without its two printf passes:
+// the message ends at a zero byte, as %s reads it; the tails (a dump or hex pairs)
+// never hold one.
+std::string joined(const std::string& message, const char* joint, const std::string& tail)
+{
+    const char* const head = message.c_str();
+    std::string text;
+    text.reserve(std::strlen(head) + std::strlen(joint) + tail.size());
+    return text.append(head).append(joint).append(tail);
+}
+
 std::string dumpText(const std::string& message, const void* data, unsigned int size)
 {
-    return ovo::format("%s\n%s", message.c_str(),
-                       ovo::NumberFormatter::formatBuffer(data, size, dumpBytesPerLine).c_str());
+    return joined(message, "\n", ovo::NumberFormatter::formatBuffer(data, size, dumpBytesPerLine));
 }
 
 std::string hexText(const char* joint, const std::string& message, const void* data, unsigned int size)
 {
-    return ovo::format("%s%s%s", message.c_str(), joint, ovo::NumberFormatter::buffer2stringU2(data, size).c_str());
+    return joined(message, joint, ovo::NumberFormatter::buffer2stringU2(data, size));
 }
 
 } // namespace

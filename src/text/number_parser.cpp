@@ -52,14 +52,39 @@ unsigned long long strtoul32(const char* text, char** end, int base)
     return raw & std::numeric_limits<std::uint32_t>::max();
 }
 
+// The common case, a sign and at most nine digits and nothing else, read directly: it is
+// the standard subject sequence that strtol reads alike in every locale, and it cannot
+// overflow. Every other text goes to strtol itself.
+bool plainDecimal(const std::string& text, long& value)
+{
+    const char* p = text.data();
+    const char* const end = p + text.size();
+    const bool negative = p != end && *p == '-';
+    if (p != end && (*p == '-' || *p == '+'))
+        ++p;
+    if (p == end || end - p > 9)
+        return false;
+    long magnitude = 0;
+    for (; p != end; ++p) {
+        const unsigned digit = static_cast<unsigned char>(*p) - static_cast<unsigned>('0');
+        if (digit > 9)
+            return false;
+        magnitude = magnitude * 10 + static_cast<long>(digit);
+    }
+    value = negative ? -magnitude : magnitude;
+    return true;
+}
+
 // Range is the type whose limits apply: int32_t for `long`, whatever `long` is here.
 template <typename T, typename Range = T>
 Status toSigned(const std::string& text, T& value)
 {
     long raw = 0;
-    const Status status = convert(text, [](const char* b, char** e) { return std::strtol(b, e, 10); }, raw);
-    if (status != Status::ok)
-        return status;
+    if (!plainDecimal(text, raw)) {
+        const Status status = convert(text, [](const char* b, char** e) { return std::strtol(b, e, 10); }, raw);
+        if (status != Status::ok)
+            return status;
+    }
     if (raw < std::numeric_limits<Range>::min() || raw > std::numeric_limits<Range>::max())
         return Status::outOfRange;
     value = static_cast<T>(raw);
