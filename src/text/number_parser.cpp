@@ -52,24 +52,25 @@ unsigned long long strtoul32(const char* text, char** end, int base)
     return raw & std::numeric_limits<std::uint32_t>::max();
 }
 
-// The common case, a sign and at most nine digits and nothing else, read directly: it is
-// the standard subject sequence that strtol reads alike in every locale, and it cannot
-// overflow. Every other text goes to strtol itself.
-bool plainDecimal(const std::string& text, long& value)
+// The common case, a sign and at most eighteen digits and nothing else, read directly:
+// it is the standard subject sequence that strtol reads alike in every locale, and it
+// cannot overflow 64 bits (the range test that follows decides). Every other text goes
+// to strtol itself.
+bool plainDecimal(const std::string& text, long long& value)
 {
     const char* p = text.data();
     const char* const end = p + text.size();
     const bool negative = p != end && *p == '-';
     if (p != end && (*p == '-' || *p == '+'))
         ++p;
-    if (p == end || end - p > 9)
+    if (p == end || end - p > 18)
         return false;
-    long magnitude = 0;
+    long long magnitude = 0;
     for (; p != end; ++p) {
         const unsigned digit = static_cast<unsigned char>(*p) - static_cast<unsigned>('0');
         if (digit > 9)
             return false;
-        magnitude = magnitude * 10 + static_cast<long>(digit);
+        magnitude = magnitude * 10 + digit;
     }
     value = negative ? -magnitude : magnitude;
     return true;
@@ -79,11 +80,14 @@ bool plainDecimal(const std::string& text, long& value)
 template <typename T, typename Range = T>
 Status toSigned(const std::string& text, T& value)
 {
-    long raw = 0;
+    long long raw = 0;
     if (!plainDecimal(text, raw)) {
-        const Status status = convert(text, [](const char* b, char** e) { return std::strtol(b, e, 10); }, raw);
+        long converted = 0;
+        const Status status =
+            convert(text, [](const char* b, char** e) { return std::strtol(b, e, 10); }, converted);
         if (status != Status::ok)
             return status;
+        raw = converted;
     }
     if (raw < std::numeric_limits<Range>::min() || raw > std::numeric_limits<Range>::max())
         return Status::outOfRange;

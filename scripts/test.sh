@@ -1,0 +1,152 @@
+#!/usr/bin/env bash
+# Runs every suite of ovosystem on a Debian 12 machine, installing what is missing first:
+#   linux   the test suite, plus the example and the benchmarks built
+#   asan    the test suite under AddressSanitizer and UndefinedBehaviorSanitizer
+#   tsan    the test suite under ThreadSanitizer
+#   win64   the Windows 64-bit build, its test suite under Wine
+#   win32   the Windows 32-bit build, compiled and linked
+#   fuzz    every libFuzzer target for a short run (OVO_FUZZ_SECONDS each, default 10)
+#   bench   every benchmark, briefly (figures and ratios only, no verdict)
+# Give suite names as arguments to run only those. Builds go to build/<suite>.
+set -uo pipefail
+
+root=$(cd "$(dirname "$0")/.." && pwd)
+builds=${OVO_BUILD_ROOT:-$root/build}
+jobs=${OVO_JOBS:-$(nproc)}
+fuzzSeconds=${OVO_FUZZ_SECONDS:-10}
+suites=("$@")
+[ ${#suites[@]} -gt 0 ] || suites=(linux asan tsan win64 win32 fuzz bench)
+
+packages=(cmake ninja-build g++ pkg-config util-linux googletest libgtest-dev libbenchmark-dev libspdlog-dev
+          clang libclang-rt-14-dev g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix wine64)
+
+log() { printf '\n=== %s\n' "$*"; }
+
+installMissing() {
+    local missing=()
+    for package in "${packages[@]}"; do
+        dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing+=("$package")
+    done
+    [ ${#missing[@]} -eq 0 ] && return 0
+    log "installing ${missing[*]}"
+    local sudo=()
+    [ "$(id -u)" -eq 0 ] || sudo=(sudo)
+    "${sudo[@]}" apt-get update -q &&
+        DEBIAN_FRONTEND=noninteractive "${sudo[@]}" apt-get install -y -q "${missing[@]}"
+}
+
+passed=0
+failed=0
+broken=()
+
+# Adds the counts of a CTest summary line to the totals.
+count() {
+    local summary
+    summary=$(grep -E 'tests passed, [0-9]+ tests? failed out of [0-9]+' "$1" | tail -1)
+    if [ -z "$summary" ]; then
+        return 1
+    fi
+    local failedHere total
+    failedHere=$(sed -E 's/.* ([0-9]+) tests? failed out of ([0-9]+).*/\1/' <<<"$summary")
+    total=$(sed -E 's/.* failed out of ([0-9]+).*/\1/' <<<"$summary")
+    passed=$((passed + total - failedHere))
+    failed=$((failed + failedHere))
+}
+
+configureAndBuild() { # suite, cmake arguments...
+    local dir=$builds/$1
+    shift
+    cmake -S "$root" -B "$dir" -G Ninja "$@" >"$dir.configure.log" 2>&1 ||
+        { cat "$dir.configure.log"; return 1; }
+    cmake --build "$dir" -j "$jobs"
+}
+
+runTests() { # suite
+    local dir=$builds/$1
+    (cd "$dir" && ctest -j "$jobs" --output-on-failure --timeout 600) 2>&1 | tee "$dir.ctest.log"
+    local status=${PIPESTATUS[0]}
+    count "$dir.ctest.log" || status=1
+    return "$status"
+}
+
+suite_linux() {
+    configureAndBuild linux -DCMAKE_BUILD_TYPE=RelWithDebInfo -DOVO_BUILD_BENCHMARKS=ON && runTests linux
+}
+
+suite_asan() {
+    export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
+    configureAndBuild asan -DCMAKE_BUILD_TYPE=Debug -DOVO_SANITIZE=address,undefined -DOVO_BUILD_EXAMPLES=OFF &&
+        runTests asan
+}
+
+suite_tsan() {
+    export TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1
+    configureAndBuild tsan -DCMAKE_BUILD_TYPE=Debug -DOVO_SANITIZE=thread -DOVO_BUILD_EXAMPLES=OFF &&
+        runTests tsan
+}
+
+suite_win64() {
+    configureAndBuild win64 -DCMAKE_TOOLCHAIN_FILE="$root/cmake/toolchains/mingw-w64-x86_64.cmake" &&
+        runTests win64
+    local status=$?
+    WINEPREFIX=$builds/win64/wineprefix /usr/lib/wine/wineserver64 -k 2>/dev/null
+    return $status
+}
+
+suite_win32() {
+    configureAndBuild win32 -DCMAKE_TOOLCHAIN_FILE="$root/cmake/toolchains/mingw-w64-i686.cmake"
+}
+
+suite_fuzz() {
+    CC=clang CXX=clang++ configureAndBuild fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo -DOVO_BUILD_FUZZERS=ON \
+        -DOVO_BUILD_TESTS=OFF -DOVO_BUILD_EXAMPLES=OFF || return 1
+    local status=0
+    for fuzzer in "$builds"/fuzz/bin/*_fuzz; do
+        local name corpus
+        name=$(basename "$fuzzer")
+        corpus=$builds/fuzz/corpus/$name
+        mkdir -p "$corpus"
+        if "$fuzzer" -max_total_time="$fuzzSeconds" -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
+            "$corpus" >"$builds/fuzz/$name.log" 2>&1; then
+            echo "$name: $(grep -E '^stat::number_of_executed_units' "$builds/fuzz/$name.log" | awk '{print $2}') runs, no failure"
+            passed=$((passed + 1))
+        else
+            tail -40 "$builds/fuzz/$name.log"
+            failed=$((failed + 1))
+            status=1
+        fi
+    done
+    return $status
+}
+
+suite_bench() {
+    [ -d "$builds/linux/bin" ] || suite_linux || return 1
+    for bench in "$builds"/linux/bin/*_bench; do
+        log "$(basename "$bench")"
+        "$bench" --benchmark_min_time=0.05 --benchmark_repetitions=3 || return 1
+    done
+}
+
+installMissing || { echo "could not install the packages the suites need"; exit 1; }
+mkdir -p "$builds"
+start=$SECONDS
+for suite in "${suites[@]}"; do
+    if ! declare -F "suite_$suite" >/dev/null; then
+        echo "unknown suite '$suite'"
+        exit 2
+    fi
+    log "$suite"
+    began=$SECONDS
+    if ! "suite_$suite"; then
+        broken+=("$suite")
+    fi
+    echo "--- $suite: $((SECONDS - began)) s"
+done
+
+log "suites run: ${suites[*]} in $((SECONDS - start)) s"
+if [ ${#broken[@]} -gt 0 ]; then
+    echo "suites that failed: ${broken[*]}"
+    [ "$failed" -gt 0 ] || failed=${#broken[@]}
+fi
+echo "ovosystem: $passed passed, $failed failed"
+[ ${#broken[@]} -eq 0 ]
