@@ -145,24 +145,27 @@ Status onSuccess(Status (*conversion)(const std::string&, T&), const std::string
     return status;
 }
 
+// The failures of the integer family; the float family reports both as runtime_error.
+template <typename BadFormat, typename OutOfRange, typename T>
+T valueOrThrow(Status status, T value)
+{
+    if (status == Status::badFormat)
+        throw BadFormat(badFormatText);
+    if (status == Status::outOfRange)
+        throw OutOfRange(outOfRangeText);
+    return value;
+}
+
 template <typename T>
 T integerOrThrow(Status status, T value)
 {
-    if (status == Status::badFormat)
-        throw std::logic_error(badFormatText);
-    if (status == Status::outOfRange)
-        throw std::range_error(outOfRangeText);
-    return value;
+    return valueOrThrow<std::logic_error, std::range_error>(status, value);
 }
 
 template <typename T>
 T floatOrThrow(Status status, T value)
 {
-    if (status == Status::badFormat)
-        throw std::runtime_error(badFormatText);
-    if (status == Status::outOfRange)
-        throw std::runtime_error(outOfRangeText);
-    return value;
+    return valueOrThrow<std::runtime_error, std::runtime_error>(status, value);
 }
 
 // Generates parseX (throwing) and tryParseX (storing on success) from one checked step.
