@@ -2,6 +2,7 @@
 #ifndef OVO_OVOSYSTEM_H
 #define OVO_OVOSYSTEM_H
 
+#include <ovo/io/serial_config.h>
 #include <ovo/logger/channel.h>
 #include <ovo/logger/formatter.h>
 #include <ovo/logger/logger.h>
