@@ -7,6 +7,7 @@
 #include <ovo/logger/formatter.h>
 #include <ovo/logger/logger.h>
 #include <ovo/number_formatter.h>
+#include <ovo/options/options_processor.h>
 #include <ovo/number_parser.h>
 #include <ovo/nv_collection.h>
 #include <ovo/strings.h>

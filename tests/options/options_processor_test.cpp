@@ -1,0 +1,147 @@
+#include <ovo/options/options_processor.h>
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+using ovo::ProgramOptions::IOptionValue;
+using ovo::ProgramOptions::OptionsProcessor;
+using Words = std::vector<std::string>;
+
+namespace {
+
+// Records every value it receives and answers with `accept`.
+struct Recorder : IOptionValue {
+    explicit Recorder(bool accept = true) : accept(accept) {}
+    bool setValue(const std::string& text) override
+    {
+        received.push_back(text);
+        return accept;
+    }
+    bool accept;
+    Words received;
+};
+
+struct Throwing : IOptionValue {
+    bool setValue(const std::string&) override { throw std::invalid_argument("bad value"); }
+};
+
+Words withProgram(Words words)
+{
+    words.insert(words.begin(), "program");
+    return words;
+}
+
+} // namespace
+
+TEST(OptionsProcessor, ShortAndLongFormsMatchExactly)
+{
+    OptionsProcessor options;
+    Recorder verbose;
+    options.add("v", "verbose", "talk more", &verbose);
+    const struct {
+        std::string word;
+        bool reaches;
+        std::string value;
+    } cases[] = {{"-v", true, ""},       {"--verbose", true, ""}, {"-v=1", true, "1"},  {"--verbose=1", true, "1"},
+                 {"-v=", true, ""},      {"-v=a=b", true, "a=b"}, {"verbose", false, ""}, {"-verbose", false, ""},
+                 {"--v", false, ""},     {"-V", false, ""},       {"--verb", false, ""},  {"-v 1", false, ""}};
+    for (const auto& c : cases) {
+        verbose.received.clear();
+        EXPECT_EQ(options.process(withProgram({c.word})), c.reaches ? 1 : 0) << c.word;
+        EXPECT_EQ(verbose.received, c.reaches ? Words{c.value} : Words{}) << c.word;
+    }
+}
+
+TEST(OptionsProcessor, OtherPrefixAndDelimiter)
+{
+    OptionsProcessor options('/', ':');
+    Recorder x;
+    Recorder help;
+    options.add("x", "yy", "", &x);
+    options.add("h", "help", "", &help);
+    EXPECT_EQ(options.process(withProgram({"/x:5", "/-yy", "//help", "/-help", "-x"})), 3);
+    EXPECT_EQ(x.received, (Words{"5", ""}));
+    EXPECT_EQ(help.received, Words{""});
+}
+
+TEST(OptionsProcessor, CountsAcceptedWordsOnly)
+{
+    OptionsProcessor options;
+    Recorder accepting;
+    Recorder refusing(false);
+    options.add("a", "", &accepting);
+    options.add("r", "", &refusing);
+    EXPECT_EQ(options.process(withProgram({"-a=1", "stray", "-r", "-a=2", "--", "-a"})), 3);
+    EXPECT_EQ(accepting.received, (Words{"1", "2", ""}));
+    EXPECT_EQ(refusing.received, Words{""});
+    EXPECT_EQ(options.process(Words{}), 0);
+    EXPECT_EQ(options.process(Words{"-a"}), 0) << "the first word is the program's name";
+    EXPECT_EQ(accepting.received.size(), 3u);
+}
+
+TEST(OptionsProcessor, FirstMatchingEntryWinsEvenWithoutValueObject)
+{
+    OptionsProcessor options;
+    Recorder first;
+    Recorder shadowed;
+    options.add("d", "dup", "", &first);
+    options.add("d", "dup", "", &shadowed);
+    options.add("n", "null", "", nullptr);
+    Recorder afterNull;
+    options.add("n", "", &afterNull);
+    EXPECT_EQ(options.process(withProgram({"-d", "--dup=x", "-n", "--null"})), 2);
+    EXPECT_EQ(first.received, (Words{"", "x"}));
+    EXPECT_TRUE(shadowed.received.empty());
+    EXPECT_TRUE(afterNull.received.empty());
+}
+
+TEST(OptionsProcessor, EmptyNamesReachEmptyForms)
+{
+    OptionsProcessor options;
+    Recorder shortOnly;
+    options.add("s", "no long name", &shortOnly); // its long form is empty
+    EXPECT_EQ(options.process(withProgram({"=5", "", "=x=y"})), 3);
+    EXPECT_EQ(shortOnly.received, (Words{"5", "", "x=y"}));
+}
+
+TEST(OptionsProcessor, WordsEndAtAZeroByte)
+{
+    OptionsProcessor options;
+    Recorder value;
+    options.add("k", "key", "", &value);
+    EXPECT_EQ(options.process(withProgram({std::string("-k=ab\0cd", 8), std::string("--key\0=zz", 9)})), 2);
+    EXPECT_EQ(value.received, (Words{"ab", ""}));
+
+    char program[] = "program";
+    char word[] = "--key=argv";
+    char* argv[] = {program, word, nullptr};
+    EXPECT_EQ(options.process(2, argv), 1);
+    EXPECT_EQ(value.received.back(), "argv");
+    EXPECT_EQ(options.process(1, argv), 0);
+}
+
+TEST(OptionsProcessor, ValueObjectExceptionsStopProcessing)
+{
+    OptionsProcessor options;
+    Recorder before;
+    Throwing thrower;
+    Recorder after;
+    options.add("b", "", &before);
+    options.add("t", "", &thrower);
+    options.add("a", "", &after);
+    EXPECT_THROW(options.process(withProgram({"-b=1", "-t", "-a"})), std::invalid_argument);
+    EXPECT_EQ(before.received, Words{"1"});
+    EXPECT_TRUE(after.received.empty());
+}
+
+TEST(OptionsProcessor, ToStringIsNotImplemented)
+{
+    OptionsProcessor options;
+    EXPECT_EQ(options.toString(), "not implemented");
+    Recorder value;
+    options.add("x", "xx", "described", &value);
+    EXPECT_EQ(options.toString(), "not implemented");
+}
