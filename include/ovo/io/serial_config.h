@@ -14,10 +14,12 @@
 namespace ovo {
 namespace io {
 
-enum DataSize { dataSizeUnset = 0, dataSize5 = 1, dataSize6 = 2, dataSize7 = 3, dataSize8 = 4 };
-enum Parity { parityUnset = 0, parityEven = 1, parityOdd = 2, parityNone = 3 };
-enum StopBits { stopBitsUnset = 0, stopBits1 = 1, stopBits1_5 = 2, stopBits2 = 3 };
-enum FlowControl { flowUnset = 0, flowOff = 1, flowSoftware = 2, flowHardware = 3 };
+// A fixed underlying type makes every int a valid value: one outside the table (set
+// through a cast) is kept and simply sets no key in the text form.
+enum DataSize : int { dataSizeUnset = 0, dataSize5 = 1, dataSize6 = 2, dataSize7 = 3, dataSize8 = 4 };
+enum Parity : int { parityUnset = 0, parityEven = 1, parityOdd = 2, parityNone = 3 };
+enum StopBits : int { stopBitsUnset = 0, stopBits1 = 1, stopBits1_5 = 2, stopBits2 = 3 };
+enum FlowControl : int { flowUnset = 0, flowOff = 1, flowSoftware = 2, flowHardware = 3 };
 
 // Milliseconds. Total read time-out = readConstant + readMultiplier x bytes.
 struct SerialTimeouts {
