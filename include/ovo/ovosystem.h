@@ -4,7 +4,9 @@
 
 #include <ovo/io/serial_config.h>
 #include <ovo/logger/channel.h>
+#include <ovo/logger/channels.h>
 #include <ovo/logger/formatter.h>
+#include <ovo/logger/formatters.h>
 #include <ovo/logger/logger.h>
 #include <ovo/number_formatter.h>
 #include <ovo/options/options_processor.h>

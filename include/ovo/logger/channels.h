@@ -1,0 +1,53 @@
+// The console channel and the fan-out channel.
+#ifndef OVO_LOGGER_CHANNELS_H
+#define OVO_LOGGER_CHANNELS_H
+
+#include <ovo/export.h>
+#include <ovo/logger/channel.h>
+
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace ovo {
+namespace logger {
+
+// Formats and inserts each message into std::clog under one process-wide console mutex,
+// so that lines of all threads and all console channels never mix. Adds no line end and
+// does not flush. Without a formatter it writes nothing.
+class OVO_API ConsoleLogChannel : public AbstractLogChannel {
+public:
+    ConsoleLogChannel();
+    ConsoleLogChannel(const ConsoleLogChannel& other);
+    ConsoleLogChannel(ConsoleLogChannel&& other) noexcept;
+    ConsoleLogChannel& operator=(const ConsoleLogChannel& other);
+    ConsoleLogChannel& operator=(ConsoleLogChannel&& other) noexcept;
+    ~ConsoleLogChannel() override;
+
+    void write(const std::string& name, const std::string& message) override;
+};
+
+// Hands each message, unformatted, to its members in the order they were added, all
+// under its own mutex: every member sees the messages in one order. An exception of a
+// member reaches the caller and the members behind it miss that message. Its formatter
+// and properties are not passed on. A split channel must not contain itself.
+class OVO_API SplitLogChannel : public AbstractLogChannel {
+public:
+    SplitLogChannel();
+    SplitLogChannel(const SplitLogChannel&) = delete;
+    SplitLogChannel& operator=(const SplitLogChannel&) = delete;
+    ~SplitLogChannel() override;
+
+    void add(std::shared_ptr<ILogChannel> channel);
+    void write(const std::string& name, const std::string& message) override;
+
+private:
+    std::vector<std::shared_ptr<ILogChannel>> members_;
+    std::mutex mutex_;
+};
+
+} // namespace logger
+} // namespace ovo
+
+#endif

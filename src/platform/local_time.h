@@ -1,0 +1,20 @@
+// The clock and the local-time conversion: the one place where the platforms differ.
+#ifndef OVO_SRC_PLATFORM_LOCAL_TIME_H
+#define OVO_SRC_PLATFORM_LOCAL_TIME_H
+
+#include <cstdint>
+#include <ctime>
+
+namespace ovo {
+namespace platform {
+
+// 100-nanosecond ticks since 1970-01-01 00:00:00 UTC.
+std::int64_t systemTicks();
+
+// Seconds since 1970 as local broken-down time, safe in several threads at once.
+std::tm localTime(std::int64_t seconds);
+
+} // namespace platform
+} // namespace ovo
+
+#endif
