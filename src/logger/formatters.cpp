@@ -48,13 +48,10 @@ char* twoDigits(char* out, int value)
     return out + 2;
 }
 
-// The first line as "%02d:%02d:%02d.%03d [%-*s] %s\n" gives it, without printf: the
-// name and the first piece end at a zero byte, as %s reads them.
-void appendFirstLine(std::string& text, const TimeOfDay& time, const std::string& name, const char* piece,
-                     std::size_t pieceLength)
+// "HH:MM:SS.mmm [" as "%02d:%02d:%02d.%03d [" gives it.
+char* writeStamp(char* out, const TimeOfDay& time)
 {
-    char stamp[14];
-    char* out = twoDigits(stamp, time.hour);
+    out = twoDigits(out, time.hour);
     *out++ = ':';
     out = twoDigits(out, time.minute);
     *out++ = ':';
@@ -64,15 +61,27 @@ void appendFirstLine(std::string& text, const TimeOfDay& time, const std::string
     out = twoDigits(out, time.millisecond % 100);
     *out++ = ' ';
     *out++ = '[';
-    text.append(stamp, static_cast<std::size_t>(out - stamp));
+    return out;
+}
 
-    const std::size_t nameLength = std::strlen(name.c_str());
-    text.append(name.c_str(), nameLength);
-    if (nameLength < nameField)
-        text.append(nameField - nameLength, ' ');
-    text.append("] ", 2);
-    text.append(piece, strnlen(piece, pieceLength));
-    text.push_back('\n');
+// Line feeds from `from` on; a memchr hop per line, since messages have few.
+std::size_t countLineFeeds(const std::string& text, std::size_t from)
+{
+    std::size_t count = 0;
+    const char* const end = text.data() + text.size();
+    for (const char* p = text.data() + from; p < end; ++count) {
+        p = static_cast<const char*>(std::memchr(p, '\n', static_cast<std::size_t>(end - p)));
+        if (p == nullptr)
+            break;
+        ++p;
+    }
+    return count;
+}
+
+char* copy(char* out, const char* text, std::size_t length)
+{
+    std::memcpy(out, text, length);
+    return out + length;
 }
 
 } // namespace
@@ -98,20 +107,32 @@ SimpleFormatter& SimpleFormatter::operator=(const SimpleFormatter&) = default;
 SimpleFormatter& SimpleFormatter::operator=(SimpleFormatter&&) noexcept = default;
 SimpleFormatter::~SimpleFormatter() = default;
 
-// The message is cut at every line feed, empty pieces kept: the first piece stands on
-// the stamped line, each further one on a line of its own behind 32 blanks.
+// The first line is what "%02d:%02d:%02d.%03d [%-*s] %s\n" gives with the field width 16:
+// the name and the first piece end at a zero byte, as %s reads them. The message is cut
+// at every line feed, empty pieces kept, and each further piece stands on a line of its
+// own behind 32 blanks, copied whole. The text is made at its final size, filled with
+// blanks, so that the padding and the indentation need no writing.
 std::string SimpleFormatter::format(const std::string& name, const std::string& message)
 {
     const TimeOfDay time = now();
-    std::size_t end = message.find('\n');
-    std::string text;
-    text.reserve(continuationIndent + std::max(name.size(), nameField) + message.size() + 2);
-    appendFirstLine(text, time, name, message.data(), end == std::string::npos ? message.size() : end);
-    while (end != std::string::npos) {
-        const std::size_t start = end + 1;
-        end = message.find('\n', start);
-        const std::size_t length = (end == std::string::npos ? message.size() : end) - start;
-        text.append(continuationIndent, ' ').append(message, start, length).push_back('\n');
+    const std::size_t nameLength = std::strlen(name.c_str());
+    const std::size_t firstEnd = std::min(message.find('\n'), message.size());
+    const std::size_t firstLength = strnlen(message.data(), firstEnd);
+    const std::size_t lineFeeds = countLineFeeds(message, firstEnd);
+    const std::size_t leadIn = 14 + std::max(nameLength, nameField) + 2; // stamp, " [", name, "] "
+
+    std::string text(leadIn + firstLength + 1 + lineFeeds * continuationIndent + (message.size() - firstEnd), ' ');
+    char* out = writeStamp(&text[0], time);
+    copy(out, name.c_str(), nameLength);
+    out = &text[leadIn - 2];
+    *out++ = ']';
+    out = copy(out + 1, message.data(), firstLength);
+    *out++ = '\n';
+    for (std::size_t start = firstEnd + 1; start <= message.size() && lineFeeds != 0; ) {
+        const std::size_t end = std::min(message.find('\n', start), message.size());
+        out = copy(out + continuationIndent, message.data() + start, end - start);
+        *out++ = '\n';
+        start = end + 1;
     }
     return text;
 }
