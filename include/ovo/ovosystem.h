@@ -5,6 +5,7 @@
 #include <ovo/io/serial_config.h>
 #include <ovo/logger/channel.h>
 #include <ovo/logger/channels.h>
+#include <ovo/logger/file_log_channel.h>
 #include <ovo/logger/formatter.h>
 #include <ovo/logger/formatters.h>
 #include <ovo/logger/logger.h>

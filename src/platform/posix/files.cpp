@@ -1,0 +1,162 @@
+#include "platform/posix/files.h"
+#include "platform/posix/handle.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace ovo {
+namespace posix {
+
+namespace {
+
+class File : public KernelObject {
+public:
+    explicit File(int descriptor) : descriptor(descriptor) {}
+    ~File() override { ::close(descriptor); } // the kernel drops the share lock with it
+    const int descriptor;
+};
+
+int openFlags(DWORD desiredAccess, DWORD disposition)
+{
+    const bool reads = (desiredAccess & GENERIC_READ) != 0;
+    const bool writes = (desiredAccess & GENERIC_WRITE) != 0;
+    int flags = O_CLOEXEC | (reads && writes ? O_RDWR : writes ? O_WRONLY : O_RDONLY);
+    switch (disposition) {
+    case CREATE_NEW:
+        return flags | O_CREAT | O_EXCL;
+    case CREATE_ALWAYS:
+        return flags | O_CREAT | O_TRUNC;
+    case OPEN_ALWAYS:
+        return flags | O_CREAT;
+    case TRUNCATE_EXISTING:
+        return flags | O_TRUNC;
+    case OPEN_EXISTING:
+        return flags;
+    default:
+        return -1;
+    }
+}
+
+// The lock that keeps out what the share mode refuses: whoever writes without sharing
+// writing holds it exclusively; whoever reads without sharing writing holds it shared.
+int shareLock(DWORD desiredAccess, DWORD shareMode)
+{
+    if ((shareMode & FILE_SHARE_WRITE) != 0)
+        return 0;
+    if ((desiredAccess & GENERIC_WRITE) != 0)
+        return LOCK_EX;
+    return (shareMode & FILE_SHARE_READ) != 0 ? LOCK_SH : LOCK_EX;
+}
+
+} // namespace
+
+} // namespace posix
+} // namespace ovo
+
+using ovo::posix::File;
+using ovo::posix::objectOf;
+using ovo::posix::setLastErrorFromErrno;
+
+HANDLE CreateFileA(LPCSTR fileName, DWORD desiredAccess, DWORD shareMode, LPSECURITY_ATTRIBUTES, DWORD disposition,
+                   DWORD, HANDLE)
+{
+    const int flags = ovo::posix::openFlags(desiredAccess, disposition);
+    if (fileName == nullptr || flags < 0) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return INVALID_HANDLE_VALUE;
+    }
+    int descriptor;
+    do
+        descriptor = ::open(fileName, flags, 0666);
+    while (descriptor < 0 && errno == EINTR);
+    if (descriptor < 0) {
+        setLastErrorFromErrno(errno);
+        return INVALID_HANDLE_VALUE;
+    }
+    const int lock = ovo::posix::shareLock(desiredAccess, shareMode);
+    if (lock != 0 && ::flock(descriptor, lock | LOCK_NB) != 0) {
+        const int error = errno;
+        ::close(descriptor);
+        setLastErrorFromErrno(error);
+        return INVALID_HANDLE_VALUE;
+    }
+    SetLastError(ERROR_SUCCESS);
+    return static_cast<ovo::posix::KernelObject*>(new File(descriptor));
+}
+
+DWORD SetFilePointer(HANDLE file, LONG distance, PLONG distanceHigh, DWORD moveMethod)
+{
+    File* const object = objectOf<File>(file);
+    if (object == nullptr)
+        return INVALID_SET_FILE_POINTER;
+    const int whence = moveMethod == FILE_BEGIN ? SEEK_SET : moveMethod == FILE_CURRENT ? SEEK_CUR : SEEK_END;
+    const off_t offset = distanceHigh != nullptr
+                             ? static_cast<off_t>((static_cast<std::uint64_t>(static_cast<DWORD>(*distanceHigh)) << 32) |
+                                                  static_cast<DWORD>(distance))
+                             : static_cast<off_t>(distance);
+    const off_t position = ::lseek(object->descriptor, offset, whence);
+    if (position < 0) {
+        setLastErrorFromErrno(errno);
+        return INVALID_SET_FILE_POINTER;
+    }
+    if (distanceHigh != nullptr)
+        *distanceHigh = static_cast<LONG>(static_cast<std::uint64_t>(position) >> 32);
+    SetLastError(ERROR_SUCCESS);
+    return static_cast<DWORD>(position);
+}
+
+DWORD GetFileSize(HANDLE file, LPDWORD sizeHigh)
+{
+    File* const object = objectOf<File>(file);
+    struct stat status;
+    if (object == nullptr || ::fstat(object->descriptor, &status) != 0) {
+        if (object != nullptr)
+            setLastErrorFromErrno(errno);
+        return INVALID_FILE_SIZE;
+    }
+    if (sizeHigh != nullptr)
+        *sizeHigh = static_cast<DWORD>(static_cast<std::uint64_t>(status.st_size) >> 32);
+    SetLastError(ERROR_SUCCESS);
+    return static_cast<DWORD>(status.st_size);
+}
+
+// Synchronous, as WriteFile on a file: all bytes, or a failure.
+BOOL WriteFile(HANDLE file, LPCVOID buffer, DWORD bytesToWrite, LPDWORD bytesWritten, LPOVERLAPPED)
+{
+    File* const object = objectOf<File>(file);
+    if (bytesWritten != nullptr)
+        *bytesWritten = 0;
+    if (object == nullptr)
+        return FALSE;
+    const char* data = static_cast<const char*>(buffer);
+    DWORD done = 0;
+    while (done < bytesToWrite) {
+        const ssize_t written = ::write(object->descriptor, data + done, bytesToWrite - done);
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0) {
+            setLastErrorFromErrno(written < 0 ? errno : ENOSPC);
+            if (bytesWritten != nullptr)
+                *bytesWritten = done;
+            return FALSE;
+        }
+        done += static_cast<DWORD>(written);
+    }
+    if (bytesWritten != nullptr)
+        *bytesWritten = done;
+    SetLastError(ERROR_SUCCESS);
+    return TRUE;
+}
+
+BOOL CloseHandle(HANDLE object)
+{
+    ovo::posix::KernelObject* const kernelObject = objectOf<ovo::posix::KernelObject>(object);
+    if (kernelObject == nullptr)
+        return FALSE;
+    delete kernelObject;
+    SetLastError(ERROR_SUCCESS);
+    return TRUE;
+}

@@ -1,0 +1,16 @@
+// Files in the POSIX layer. Share modes hold between processes and threads through
+// flock(): a handle opened for writing without FILE_SHARE_WRITE keeps an exclusive lock,
+// so that a second such open fails with ERROR_SHARING_VIOLATION, as on Windows.
+#ifndef OVO_SRC_PLATFORM_POSIX_FILES_H
+#define OVO_SRC_PLATFORM_POSIX_FILES_H
+
+#include "platform/posix/win32_types.h"
+
+HANDLE CreateFileA(LPCSTR fileName, DWORD desiredAccess, DWORD shareMode, LPSECURITY_ATTRIBUTES security,
+                   DWORD creationDisposition, DWORD flagsAndAttributes, HANDLE templateFile);
+DWORD SetFilePointer(HANDLE file, LONG distance, PLONG distanceHigh, DWORD moveMethod);
+DWORD GetFileSize(HANDLE file, LPDWORD sizeHigh);
+BOOL WriteFile(HANDLE file, LPCVOID buffer, DWORD bytesToWrite, LPDWORD bytesWritten, LPOVERLAPPED overlapped);
+BOOL CloseHandle(HANDLE object);
+
+#endif

@@ -1,0 +1,33 @@
+// The Win32 calls the library is written against. On Windows they are the real API; on
+// other systems the library's own POSIX layer implements the subset it needs, with the
+// same names, types, constants and error codes.
+#ifndef OVO_SRC_PLATFORM_WIN32_H
+#define OVO_SRC_PLATFORM_WIN32_H
+
+#if defined(_WIN32)
+#  ifndef WIN32_LEAN_AND_MEAN
+#    define WIN32_LEAN_AND_MEAN
+#  endif
+#  ifndef NOMINMAX
+#    define NOMINMAX
+#  endif
+#  include <windows.h>
+#else
+#  include "platform/posix/win32_types.h"
+#  include "platform/posix/files.h"
+#endif
+
+namespace ovo {
+namespace platform {
+
+// Between a directory and a file name.
+#if defined(_WIN32)
+const char pathSeparator = '\\';
+#else
+const char pathSeparator = '/';
+#endif
+
+} // namespace platform
+} // namespace ovo
+
+#endif
