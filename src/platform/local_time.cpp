@@ -1,15 +1,8 @@
 #include "platform/local_time.h"
 
-#include <chrono>
 
 namespace ovo {
 namespace platform {
-
-std::int64_t systemTicks()
-{
-    using Ticks = std::chrono::duration<std::int64_t, std::ratio<1, 10000000>>;
-    return std::chrono::duration_cast<Ticks>(std::chrono::system_clock::now().time_since_epoch()).count();
-}
 
 std::tm localTime(std::int64_t seconds)
 {

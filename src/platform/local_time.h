@@ -8,7 +8,7 @@
 namespace ovo {
 namespace platform {
 
-// 100-nanosecond ticks since 1970-01-01 00:00:00 UTC.
+// 100-nanosecond ticks since 1970-01-01 00:00:00 UTC (system_clock.cpp).
 std::int64_t systemTicks();
 
 // Seconds since 1970 as local broken-down time, safe in several threads at once.
