@@ -1,8 +1,10 @@
 // ovo-hexdump: the dump of a file, or of standard input, as the library's logs show
 // byte traffic, with an offset in front of every line. It logs what it does through a
-// logger of its own on standard error: give -v to see the trace family too.
+// logger of its own on the console (standard error), with a formatter of its own: give
+// -v to see the trace family too.
 //
 //   ovo-hexdump [-v] [FILE]
+#include <ovo/logger/channels.h>
 #include <ovo/logger/logger.h>
 #include <ovo/number_formatter.h>
 #include <ovo/strings.h>
@@ -20,21 +22,12 @@ namespace {
 const int bytesPerLine = 16;
 const std::size_t chunkSize = 4096; // a multiple of bytesPerLine, so lines never straddle chunks
 
-// "hexdump: message" on standard error, one line a message.
+// "hexdump: message", one line a message.
 class TaggedFormatter : public ovo::logger::IMessageFormatter {
 public:
     std::string format(const std::string& name, const std::string& message) override
     {
         return name + ": " + message + "\n";
-    }
-};
-
-class StderrChannel : public ovo::logger::AbstractLogChannel {
-public:
-    void write(const std::string& name, const std::string& message) override
-    {
-        if (formatter())
-            std::cerr << formatter()->format(name, message) << std::flush;
     }
 };
 
@@ -74,7 +67,7 @@ int main(int argc, char** argv)
             return usage();
     }
 
-    auto channel = std::make_shared<StderrChannel>();
+    auto channel = std::make_shared<ovo::logger::ConsoleLogChannel>();
     channel->setFormatter(std::make_shared<TaggedFormatter>());
     ovo::logger::ILogger& log = ovo::logger::add("hexdump", channel);
     log.setLevel(level);

@@ -123,7 +123,7 @@ suite_bench() {
     [ -d "$builds/linux/bin" ] || suite_linux || return 1
     for bench in "$builds"/linux/bin/*_bench; do
         log "$(basename "$bench")"
-        "$bench" --benchmark_min_time=0.05 --benchmark_repetitions=3 || return 1
+        "$bench" --benchmark_min_time=0.05 --benchmark_repetitions=3 --benchmark_color=false || return 1
     done
 }
 
