@@ -3,6 +3,7 @@
 #define OVO_OVOSYSTEM_H
 
 #include <ovo/io/serial_config.h>
+#include <ovo/io/serial_io.h>
 #include <ovo/logger/channel.h>
 #include <ovo/logger/channels.h>
 #include <ovo/logger/file_log_channel.h>

@@ -14,6 +14,7 @@
 #  include <windows.h>
 #else
 #  include "platform/posix/win32_types.h"
+#  include "platform/posix/comm.h"
 #  include "platform/posix/files.h"
 #endif
 

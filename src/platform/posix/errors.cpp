@@ -37,6 +37,10 @@ DWORD fromErrno(int error)
         return ERROR_FILENAME_EXCED_RANGE;
     case EINVAL:
         return ERROR_INVALID_PARAMETER;
+    case EIO:
+    case ENXIO:
+    case ENODEV:
+        return ERROR_GEN_FAILURE;
     default:
         return ERROR_WRITE_FAULT;
     }

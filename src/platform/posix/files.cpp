@@ -1,8 +1,10 @@
 #include "platform/posix/files.h"
-#include "platform/posix/handle.h"
+#include "platform/posix/file_object.h"
 
 #include <cerrno>
+#include <cstring>
 #include <fcntl.h>
+#include <string>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -10,14 +12,54 @@
 namespace ovo {
 namespace posix {
 
+FileObject::FileObject(int descriptor) : descriptor(descriptor) {}
+
+FileObject::~FileObject() { ::close(descriptor); }
+
+BOOL FileObject::read(void* buffer, DWORD size, DWORD& done)
+{
+    for (;;) {
+        const ssize_t count = ::read(descriptor, buffer, size);
+        if (count >= 0) {
+            done = static_cast<DWORD>(count);
+            return TRUE;
+        }
+        if (errno != EINTR) {
+            setLastErrorFromErrno(errno);
+            return FALSE;
+        }
+    }
+}
+
+BOOL FileObject::write(const void* buffer, DWORD size, DWORD& done)
+{
+    const char* data = static_cast<const char*>(buffer);
+    while (done < size) {
+        const ssize_t written = ::write(descriptor, data + done, size - done);
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0) {
+            setLastErrorFromErrno(written < 0 ? errno : ENOSPC);
+            return FALSE;
+        }
+        done += static_cast<DWORD>(written);
+    }
+    return TRUE;
+}
+
 namespace {
 
-class File : public KernelObject {
-public:
-    explicit File(int descriptor) : descriptor(descriptor) {}
-    ~File() override { ::close(descriptor); } // the kernel drops the share lock with it
-    const int descriptor;
-};
+const char devicePrefix[] = "\\\\.\\";
+
+// "\\.\NAME" names the device /dev/NAME, or NAME itself when it is an absolute path.
+bool devicePath(const char* fileName, std::string& path)
+{
+    if (std::strncmp(fileName, devicePrefix, sizeof devicePrefix - 1) != 0)
+        return false;
+    const char* name = fileName + sizeof devicePrefix - 1;
+    path = name[0] == '/' ? name : std::string("/dev/") + name;
+    return true;
+}
 
 int openFlags(DWORD desiredAccess, DWORD disposition)
 {
@@ -56,21 +98,25 @@ int shareLock(DWORD desiredAccess, DWORD shareMode)
 } // namespace posix
 } // namespace ovo
 
-using ovo::posix::File;
+using ovo::posix::FileObject;
 using ovo::posix::objectOf;
 using ovo::posix::setLastErrorFromErrno;
 
 HANDLE CreateFileA(LPCSTR fileName, DWORD desiredAccess, DWORD shareMode, LPSECURITY_ATTRIBUTES, DWORD disposition,
                    DWORD, HANDLE)
 {
-    const int flags = ovo::posix::openFlags(desiredAccess, disposition);
+    int flags = ovo::posix::openFlags(desiredAccess, disposition);
     if (fileName == nullptr || flags < 0) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return INVALID_HANDLE_VALUE;
     }
+    std::string path = fileName;
+    const bool device = ovo::posix::devicePath(fileName, path);
+    if (device)
+        flags = (flags & ~O_CREAT) | O_NOCTTY | O_NONBLOCK; // a device is never made here
     int descriptor;
     do
-        descriptor = ::open(fileName, flags, 0666);
+        descriptor = ::open(path.c_str(), flags, 0666);
     while (descriptor < 0 && errno == EINTR);
     if (descriptor < 0) {
         setLastErrorFromErrno(errno);
@@ -83,13 +129,17 @@ HANDLE CreateFileA(LPCSTR fileName, DWORD desiredAccess, DWORD shareMode, LPSECU
         setLastErrorFromErrno(error);
         return INVALID_HANDLE_VALUE;
     }
+    FileObject* const object = device && ::isatty(descriptor) ? ovo::posix::openSerialPort(descriptor)
+                                                              : new FileObject(descriptor);
+    if (object == nullptr) // the terminal refused its settings; errno tells why
+        return INVALID_HANDLE_VALUE;
     SetLastError(ERROR_SUCCESS);
-    return static_cast<ovo::posix::KernelObject*>(new File(descriptor));
+    return static_cast<ovo::posix::KernelObject*>(object);
 }
 
 DWORD SetFilePointer(HANDLE file, LONG distance, PLONG distanceHigh, DWORD moveMethod)
 {
-    File* const object = objectOf<File>(file);
+    FileObject* const object = objectOf<FileObject>(file);
     if (object == nullptr)
         return INVALID_SET_FILE_POINTER;
     const int whence = moveMethod == FILE_BEGIN ? SEEK_SET : moveMethod == FILE_CURRENT ? SEEK_CUR : SEEK_END;
@@ -110,7 +160,7 @@ DWORD SetFilePointer(HANDLE file, LONG distance, PLONG distanceHigh, DWORD moveM
 
 DWORD GetFileSize(HANDLE file, LPDWORD sizeHigh)
 {
-    File* const object = objectOf<File>(file);
+    FileObject* const object = objectOf<FileObject>(file);
     struct stat status;
     if (object == nullptr || ::fstat(object->descriptor, &status) != 0) {
         if (object != nullptr)
@@ -123,32 +173,28 @@ DWORD GetFileSize(HANDLE file, LPDWORD sizeHigh)
     return static_cast<DWORD>(status.st_size);
 }
 
-// Synchronous, as WriteFile on a file: all bytes, or a failure.
+BOOL ReadFile(HANDLE file, LPVOID buffer, DWORD bytesToRead, LPDWORD bytesRead, LPOVERLAPPED)
+{
+    DWORD done = 0;
+    FileObject* const object = objectOf<FileObject>(file);
+    const BOOL ok = object != nullptr && object->read(buffer, bytesToRead, done);
+    if (bytesRead != nullptr)
+        *bytesRead = done;
+    if (ok)
+        SetLastError(ERROR_SUCCESS);
+    return ok;
+}
+
 BOOL WriteFile(HANDLE file, LPCVOID buffer, DWORD bytesToWrite, LPDWORD bytesWritten, LPOVERLAPPED)
 {
-    File* const object = objectOf<File>(file);
-    if (bytesWritten != nullptr)
-        *bytesWritten = 0;
-    if (object == nullptr)
-        return FALSE;
-    const char* data = static_cast<const char*>(buffer);
     DWORD done = 0;
-    while (done < bytesToWrite) {
-        const ssize_t written = ::write(object->descriptor, data + done, bytesToWrite - done);
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0) {
-            setLastErrorFromErrno(written < 0 ? errno : ENOSPC);
-            if (bytesWritten != nullptr)
-                *bytesWritten = done;
-            return FALSE;
-        }
-        done += static_cast<DWORD>(written);
-    }
+    FileObject* const object = objectOf<FileObject>(file);
+    const BOOL ok = object != nullptr && object->write(buffer, bytesToWrite, done);
     if (bytesWritten != nullptr)
         *bytesWritten = done;
-    SetLastError(ERROR_SUCCESS);
-    return TRUE;
+    if (ok)
+        SetLastError(ERROR_SUCCESS);
+    return ok;
 }
 
 BOOL CloseHandle(HANDLE object)

@@ -6,11 +6,14 @@
 #include <cstdint>
 
 using BOOL = int;
+using BYTE = std::uint8_t;
+using WORD = std::uint16_t;
 using DWORD = std::uint32_t;
 using LONG = std::int32_t;
 using PLONG = LONG*;
 using LPDWORD = DWORD*;
 using LPCSTR = const char*;
+using LPVOID = void*;
 using LPCVOID = const void*;
 using HANDLE = void*;
 struct SECURITY_ATTRIBUTES;
@@ -38,13 +41,17 @@ const DWORD FILE_END = 2;
 const DWORD INVALID_FILE_SIZE = 0xFFFFFFFFu;
 const DWORD INVALID_SET_FILE_POINTER = 0xFFFFFFFFu;
 
+const DWORD MAXDWORD = 0xFFFFFFFFu;
+
 const DWORD ERROR_SUCCESS = 0;
+const DWORD ERROR_INVALID_FUNCTION = 1;
 const DWORD ERROR_FILE_NOT_FOUND = 2;
 const DWORD ERROR_PATH_NOT_FOUND = 3;
 const DWORD ERROR_ACCESS_DENIED = 5;
 const DWORD ERROR_INVALID_HANDLE = 6;
 const DWORD ERROR_NOT_ENOUGH_MEMORY = 8;
 const DWORD ERROR_WRITE_FAULT = 29;
+const DWORD ERROR_GEN_FAILURE = 31;
 const DWORD ERROR_SHARING_VIOLATION = 32;
 const DWORD ERROR_HANDLE_DISK_FULL = 39;
 const DWORD ERROR_FILE_EXISTS = 80;
@@ -53,6 +60,7 @@ const DWORD ERROR_DISK_FULL = 112;
 const DWORD ERROR_INVALID_NAME = 123;
 const DWORD ERROR_ALREADY_EXISTS = 183;
 const DWORD ERROR_FILENAME_EXCED_RANGE = 206;
+const DWORD ERROR_DEVICE_NOT_CONNECTED = 1167;
 
 DWORD GetLastError();
 void SetLastError(DWORD code);

@@ -1,0 +1,28 @@
+// An open file descriptor behind a HANDLE. Serial ports refine the transfers.
+#ifndef OVO_SRC_PLATFORM_POSIX_FILE_OBJECT_H
+#define OVO_SRC_PLATFORM_POSIX_FILE_OBJECT_H
+
+#include "platform/posix/handle.h"
+
+namespace ovo {
+namespace posix {
+
+class FileObject : public KernelObject {
+public:
+    explicit FileObject(int descriptor);
+    ~FileObject() override; // closing drops the share lock too
+
+    // Synchronous transfers: all bytes or a failure, as on a Windows file.
+    virtual BOOL read(void* buffer, DWORD size, DWORD& done);
+    virtual BOOL write(const void* buffer, DWORD size, DWORD& done);
+
+    const int descriptor;
+};
+
+// A terminal opened through "\\.\NAME": the communication calls work on it.
+FileObject* openSerialPort(int descriptor);
+
+} // namespace posix
+} // namespace ovo
+
+#endif
