@@ -1,6 +1,5 @@
 #include "platform/local_time.h"
 
-
 namespace ovo {
 namespace platform {
 
