@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Runs every suite of ovosystem on a Debian 12 machine, installing what is missing first:
-#   linux   the test suite, plus the example and the benchmarks built
+#   linux   the test suite (with a PC/SC service and a virtual card), the example and
+#           the benchmarks built
 #   asan    the test suite under AddressSanitizer and UndefinedBehaviorSanitizer
 #   tsan    the test suite under ThreadSanitizer
 #   win64   the Windows 64-bit build, its test suite under Wine
@@ -18,7 +19,8 @@ suites=("$@")
 [ ${#suites[@]} -gt 0 ] || suites=(linux asan tsan win64 win32 fuzz bench)
 
 packages=(cmake ninja-build g++ pkg-config util-linux googletest libgtest-dev libbenchmark-dev libspdlog-dev
-          clang libclang-rt-14-dev g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix wine64)
+          clang libclang-rt-14-dev g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix wine64
+          libpcsclite-dev pcscd pcsc-tools vsmartcard-vpcd vsmartcard-vpicc python3-pycryptodome)
 
 log() { printf '\n=== %s\n' "$*"; }
 
@@ -127,8 +129,34 @@ suite_bench() {
     done
 }
 
+# The PC/SC service with the virtual reader driver, on loopback, for the smart-card tests
+# (the tests start and stop the virtual card themselves). Started here unless one runs
+# already, and stopped by its process id when the script ends.
+pcscdPid=
+virtualReaderListed() { timeout 5 pcsc_scan -r 2>/dev/null | grep -q 'Virtual PCD 00 00'; }
+startPcscd() {
+    virtualReaderListed && return 0
+    local sudo=()
+    [ "$(id -u)" -eq 0 ] || sudo=(sudo)
+    "${sudo[@]}" pcscd -f -a >"$builds/pcscd.log" 2>&1 &
+    pcscdPid=$!
+    for _ in $(seq 20); do
+        virtualReaderListed && return 0
+        sleep 0.5
+    done
+    echo "pcscd shows no virtual reader; the smart-card service tests will skip (see $builds/pcscd.log)"
+}
+stopPcscd() {
+    if [ -n "$pcscdPid" ]; then
+        kill "$pcscdPid" 2>/dev/null
+        wait "$pcscdPid" 2>/dev/null
+    fi
+}
+trap stopPcscd EXIT
+
 installMissing || { echo "could not install the packages the suites need"; exit 1; }
 mkdir -p "$builds"
+startPcscd
 start=$SECONDS
 for suite in "${suites[@]}"; do
     if ! declare -F "suite_$suite" >/dev/null; then

@@ -2,6 +2,9 @@
 #ifndef OVO_OVOSYSTEM_H
 #define OVO_OVOSYSTEM_H
 
+#include <ovo/io/apdu.h>
+#include <ovo/io/enumeration.h>
+#include <ovo/io/pcsc.h>
 #include <ovo/io/serial_config.h>
 #include <ovo/io/serial_io.h>
 #include <ovo/logger/channel.h>

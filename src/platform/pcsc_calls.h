@@ -1,0 +1,48 @@
+// The PC/SC calls (WinSCard) behind one seam, with types of fixed width: pcsc-lite's
+// DWORD and LONG are `unsigned long` and `long` (64 bits on Linux), so they stay inside
+// pcsc_calls.cpp, which converts at the boundary. A test build links scripted calls in
+// place of the provider (tests/fakes/scripted_pcsc.cpp).
+#ifndef OVO_SRC_PLATFORM_PCSC_CALLS_H
+#define OVO_SRC_PLATFORM_PCSC_CALLS_H
+
+#include <cstdint>
+
+namespace ovo {
+namespace platform {
+namespace scard {
+
+using Context = std::intptr_t; // SCARDCONTEXT
+using Card = std::intptr_t;    // SCARDHANDLE
+using Result = std::uint32_t;  // 0 for success, else the SCARD_E_ / SCARD_W_ code
+
+const std::uint32_t scopeUser = 0;          // SCARD_SCOPE_USER
+const std::uint32_t shareShared = 2;        // SCARD_SHARE_SHARED
+const std::uint32_t protocolT0orT1 = 3;     // SCARD_PROTOCOL_T0 | SCARD_PROTOCOL_T1
+const std::uint32_t leaveCard = 0;          // SCARD_LEAVE_CARD
+const std::uint32_t stateUnaware = 0;       // SCARD_STATE_UNAWARE
+const std::uint32_t statePresent = 0x20;    // SCARD_STATE_PRESENT
+const std::uint32_t autoAllocate = 0xFFFFFFFFu; // SCARD_AUTOALLOCATE
+
+Result SCardEstablishContext(std::uint32_t scope, Context& context);
+Result SCardReleaseContext(Context context);
+Result SCardConnectA(Context context, const char* reader, std::uint32_t shareMode, std::uint32_t protocols,
+                     Card& card, std::uint32_t& activeProtocol);
+Result SCardDisconnect(Card card, std::uint32_t disposition);
+// names/atr are buffers of the given lengths, which come back as the platform set them.
+Result SCardStatusA(Card card, char* names, std::uint32_t& namesLength, std::uint32_t& state,
+                    std::uint32_t& protocol, unsigned char* atr, std::uint32_t& atrLength);
+// The send header carries the protocol (and its own size); no receive header.
+Result SCardTransmit(Card card, std::uint32_t protocol, const unsigned char* command, std::uint32_t commandLength,
+                     unsigned char* response, std::uint32_t& responseLength);
+// One reader state, no waiting beyond the time-out; eventState comes back.
+Result SCardGetStatusChangeA(Context context, std::uint32_t timeout, const char* reader,
+                             std::uint32_t currentState, std::uint32_t& eventState);
+// All groups; the list is allocated by the service (length SCARD_AUTOALLOCATE).
+Result SCardListReadersA(Context context, char*& list, std::uint32_t& length);
+Result SCardFreeMemory(Context context, const void* memory);
+
+} // namespace scard
+} // namespace platform
+} // namespace ovo
+
+#endif
