@@ -35,9 +35,40 @@ public:
 
 private:
     enum class Wait { ready, timedOut, gone };
+    enum class Step { again, done, failed };
     // Waits for the descriptor to become readable or writable; a negative wait is no limit.
     Wait waitFor(short events, long long milliseconds) const;
+    // Waits for the next chance to go on with a transfer of which `done` bytes went: until
+    // the total deadline (none for a negative total), and no longer than the interval once
+    // a byte has come (none for a negative interval). A vanished device ends the transfer,
+    // and fails it when nothing went yet.
+    Step awaitMore(short events, long long total, Clock::time_point deadline, long long interval, DWORD done) const;
 };
+
+SerialPort::Step SerialPort::awaitMore(short events, long long total, Clock::time_point deadline, long long interval,
+                                       DWORD done) const
+{
+    long long wait = -1;
+    if (total >= 0) {
+        wait = std::chrono::duration_cast<Milliseconds>(deadline - Clock::now()).count();
+        if (wait <= 0)
+            return Step::done;
+    }
+    if (interval >= 0 && done > 0)
+        wait = wait < 0 ? interval : std::min(wait, interval);
+    switch (waitFor(events, wait)) {
+    case Wait::ready:
+        return Step::again;
+    case Wait::timedOut:
+        return Step::done;
+    case Wait::gone:
+        break;
+    }
+    if (done > 0)
+        return Step::done;
+    SetLastError(ERROR_DEVICE_NOT_CONNECTED);
+    return Step::failed;
+}
 
 SerialPort::Wait SerialPort::waitFor(short events, long long milliseconds) const
 {
@@ -100,23 +131,11 @@ BOOL SerialPort::read(void* buffer, DWORD size, DWORD& done)
         }
         if (atOnce)
             break;
-        long long wait = -1;
-        if (total >= 0) {
-            wait = std::chrono::duration_cast<Milliseconds>(deadline - Clock::now()).count();
-            if (wait <= 0)
-                break;
-        }
-        if (interval >= 0 && done > 0)
-            wait = wait < 0 ? interval : std::min(wait, interval);
-        const Wait result = waitFor(POLLIN, wait);
-        if (result == Wait::timedOut)
+        const Step step = awaitMore(POLLIN, total, deadline, interval, done);
+        if (step == Step::done)
             break;
-        if (result == Wait::gone) {
-            if (done > 0)
-                break;
-            SetLastError(ERROR_DEVICE_NOT_CONNECTED);
+        if (step == Step::failed)
             return FALSE;
-        }
     }
     return TRUE;
 }
@@ -146,21 +165,11 @@ BOOL SerialPort::write(const void* buffer, DWORD size, DWORD& done)
             setLastErrorFromErrno(errno);
             return FALSE;
         }
-        long long wait = -1;
-        if (total >= 0) {
-            wait = std::chrono::duration_cast<Milliseconds>(deadline - Clock::now()).count();
-            if (wait <= 0)
-                break;
-        }
-        const Wait result = waitFor(POLLOUT, wait);
-        if (result == Wait::timedOut)
+        const Step step = awaitMore(POLLOUT, total, deadline, -1, done);
+        if (step == Step::done)
             break;
-        if (result == Wait::gone) {
-            if (done > 0)
-                break;
-            SetLastError(ERROR_DEVICE_NOT_CONNECTED);
+        if (step == Step::failed)
             return FALSE;
-        }
     }
     return TRUE;
 }

@@ -9,8 +9,8 @@ class _Alias(importlib.abc.MetaPathFinder, importlib.abc.Loader):
         if fullname.startswith("Crypto."):
             return importlib.util.spec_from_loader(fullname, self)
         return None
-    def create_module(self, spec):
-        return importlib.import_module("Cryptodome" + spec.name[len("Crypto"):])
+    def create_module(self, found):
+        return importlib.import_module("Cryptodome" + found.name[len("Crypto"):])
     def exec_module(self, module):
         pass
 
