@@ -2,6 +2,7 @@
 #ifndef OVO_OVOSYSTEM_H
 #define OVO_OVOSYSTEM_H
 
+#include <ovo/environment.h>
 #include <ovo/io/apdu.h>
 #include <ovo/io/enumeration.h>
 #include <ovo/io/pcsc.h>
@@ -15,6 +16,7 @@
 #include <ovo/logger/logger.h>
 #include <ovo/number_formatter.h>
 #include <ovo/options/options_processor.h>
+#include <ovo/shared_library.h>
 #include <ovo/number_parser.h>
 #include <ovo/nv_collection.h>
 #include <ovo/strings.h>

@@ -16,6 +16,7 @@
 #  include "platform/posix/win32_types.h"
 #  include "platform/posix/comm.h"
 #  include "platform/posix/files.h"
+#  include "platform/posix/modules.h"
 #endif
 
 namespace ovo {

@@ -17,14 +17,14 @@
 
 namespace ovo_test {
 
-// The path of a program that was built beside the running one.
-inline std::string siblingProgram(const std::string& name)
+// The path of a file that was built beside the running program.
+inline std::string siblingFile(const std::string& name)
 {
 #if defined(_WIN32)
     char self[MAX_PATH] = {};
     GetModuleFileNameA(nullptr, self, MAX_PATH);
     std::string path(self);
-    return path.substr(0, path.find_last_of("\\/") + 1) + name + ".exe";
+    return path.substr(0, path.find_last_of("\\/") + 1) + name;
 #else
     char self[PATH_MAX] = {};
     const ssize_t length = readlink("/proc/self/exe", self, sizeof self - 1);
@@ -33,12 +33,26 @@ inline std::string siblingProgram(const std::string& name)
 #endif
 }
 
-// Runs the program with the arguments (each quoted) and gives its exit status.
-inline int runProgram(const std::string& program, const std::vector<std::string>& args)
+// The path of a program that was built beside the running one.
+inline std::string siblingProgram(const std::string& name)
+{
+#if defined(_WIN32)
+    return siblingFile(name + ".exe");
+#else
+    return siblingFile(name);
+#endif
+}
+
+// Runs the program with the arguments (each quoted) and gives its exit status; its
+// standard output goes to the file `output` when one is named.
+inline int runProgram(const std::string& program, const std::vector<std::string>& args,
+                      const std::string& output = std::string())
 {
     std::string command = "\"" + program + "\"";
     for (const std::string& arg : args)
         command += " \"" + arg + "\"";
+    if (!output.empty())
+        command += " > \"" + output + "\"";
 #if defined(_WIN32)
     return std::system(("\"" + command + "\"").c_str()); // cmd.exe strips one pair of quotes
 #else

@@ -1,0 +1,81 @@
+#include "platform/posix/modules.h"
+#include "platform/load_failure.h"
+#include "platform/posix/handle.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <dlfcn.h>
+#include <string>
+#include <unistd.h>
+
+namespace {
+
+thread_local std::string lastLoadFailure;
+
+} // namespace
+
+HMODULE LoadLibraryA(LPCSTR fileName)
+{
+    void* const module = fileName != nullptr ? ::dlopen(fileName, RTLD_NOW | RTLD_LOCAL) : nullptr;
+    if (module == nullptr) {
+        const char* reason = fileName != nullptr ? ::dlerror() : "no file name";
+        lastLoadFailure = reason != nullptr ? reason : "";
+        SetLastError(lastLoadFailure.find("No such file") != std::string::npos ? ERROR_MOD_NOT_FOUND
+                                                                               : ERROR_BAD_EXE_FORMAT);
+        return nullptr;
+    }
+    SetLastError(ERROR_SUCCESS);
+    return module;
+}
+
+BOOL FreeLibrary(HMODULE module)
+{
+    if (module == nullptr || ::dlclose(module) != 0) {
+        SetLastError(ERROR_INVALID_HANDLE);
+        return FALSE;
+    }
+    return TRUE;
+}
+
+FARPROC GetProcAddress(HMODULE module, LPCSTR name)
+{
+    if (module == nullptr) {
+        SetLastError(ERROR_INVALID_HANDLE);
+        return nullptr;
+    }
+    void* const address = name != nullptr ? ::dlsym(module, name) : nullptr;
+    SetLastError(address != nullptr ? ERROR_SUCCESS : ERROR_PROC_NOT_FOUND);
+    return address;
+}
+
+BOOL SetCurrentDirectoryA(LPCSTR path)
+{
+    if (path == nullptr || ::chdir(path) != 0) {
+        ovo::posix::setLastErrorFromErrno(path == nullptr ? EINVAL : errno);
+        return FALSE;
+    }
+    return TRUE;
+}
+
+DWORD GetEnvironmentVariableA(LPCSTR name, char* buffer, DWORD size)
+{
+    const char* const value = name != nullptr ? std::getenv(name) : nullptr;
+    if (value == nullptr) {
+        SetLastError(ERROR_ENVVAR_NOT_FOUND);
+        return 0;
+    }
+    const std::size_t length = std::strlen(value);
+    if (buffer == nullptr || size <= length)
+        return static_cast<DWORD>(length + 1);
+    std::memcpy(buffer, value, length + 1);
+    return static_cast<DWORD>(length);
+}
+
+namespace ovo {
+namespace platform {
+
+std::string loadFailureText(DWORD) { return lastLoadFailure; }
+
+} // namespace platform
+} // namespace ovo
