@@ -13,30 +13,24 @@ namespace io {
 namespace {
 
 // What flow control does to the four flags it owns; every other flag stays as delivered.
+struct FlowFlags {
+    unsigned int outxCtsFlow, outX, inX, rtsControl;
+};
+const FlowFlags flowFlags[] = {
+    {0, 0, 0, RTS_CONTROL_DISABLE}, // flowOff
+    {0, 1, 1, RTS_CONTROL_DISABLE}, // flowSoftware
+    {1, 0, 0, RTS_CONTROL_TOGGLE},  // flowHardware: toggle, not handshake
+};
+
 void applyFlowControl(FlowControl flow, DCB& dcb)
 {
-    switch (flow) {
-    case flowOff:
-        dcb.fOutxCtsFlow = 0;
-        dcb.fOutX = 0;
-        dcb.fInX = 0;
-        dcb.fRtsControl = RTS_CONTROL_DISABLE;
-        break;
-    case flowSoftware:
-        dcb.fOutxCtsFlow = 0;
-        dcb.fOutX = 1;
-        dcb.fInX = 1;
-        dcb.fRtsControl = RTS_CONTROL_DISABLE;
-        break;
-    case flowHardware:
-        dcb.fOutxCtsFlow = 1;
-        dcb.fOutX = 0;
-        dcb.fInX = 0;
-        dcb.fRtsControl = RTS_CONTROL_TOGGLE;
-        break;
-    default:
-        break;
-    }
+    if (flow < flowOff || flow > flowHardware)
+        return;
+    const FlowFlags& flags = flowFlags[flow - flowOff];
+    dcb.fOutxCtsFlow = flags.outxCtsFlow;
+    dcb.fOutX = flags.outX;
+    dcb.fInX = flags.inX;
+    dcb.fRtsControl = flags.rtsControl;
 }
 
 } // namespace
