@@ -3,6 +3,7 @@
 #include <ovo/logger/formatters.h>
 #include <ovo/logger/logger.h>
 
+#include "discarding.h"
 #include "ratio_report.h"
 
 #include <benchmark/benchmark.h>
@@ -16,6 +17,8 @@
 #include <string>
 
 namespace {
+
+using ovo_bench::DiscardingBuffer;
 
 const std::string oneLine = "card inserted into reader 0";
 const std::string threeLines = "exchange failed\n6A 82 file not found\nretrying with the short identifier";
@@ -43,13 +46,6 @@ void spdlogFormatter(benchmark::State& state, const std::string& message)
 }
 BENCHMARK_CAPTURE(spdlogFormatter, oneLine, oneLine);
 BENCHMARK_CAPTURE(spdlogFormatter, threeLines, threeLines);
-
-// A stream buffer that takes every byte and keeps none.
-class DiscardingBuffer : public std::streambuf {
-protected:
-    std::streamsize xsputn(const char*, std::streamsize count) override { return count; }
-    int_type overflow(int_type c) override { return traits_type::not_eof(c); }
-};
 
 void consoleInfo(benchmark::State& state)
 {

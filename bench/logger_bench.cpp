@@ -3,6 +3,7 @@
 #include <ovo/logger/logger.h>
 #include <ovo/number_formatter.h>
 
+#include "discarding.h"
 #include "ratio_report.h"
 
 #include <benchmark/benchmark.h>
@@ -15,10 +16,7 @@
 
 namespace {
 
-class DiscardingChannel : public ovo::logger::AbstractLogChannel {
-public:
-    void write(const std::string&, const std::string& message) override { benchmark::DoNotOptimize(message.data()); }
-};
+using ovo_bench::DiscardingChannel;
 
 ovo::logger::ILogger& benchLogger()
 {

@@ -5,6 +5,7 @@
 #include <ovo/logger/logger.h>
 
 #include "fakes/scripted_pcsc.h"
+#include "discarding.h"
 #include "ratio_report.h"
 
 #include <benchmark/benchmark.h>
@@ -15,10 +16,7 @@
 
 namespace {
 
-class DiscardingChannel : public ovo::logger::AbstractLogChannel {
-public:
-    void write(const std::string&, const std::string& message) override { benchmark::DoNotOptimize(message.data()); }
-};
+using ovo_bench::DiscardingChannel;
 
 const ovo::io::apdu command(0x00, 0xB0, 0x00, 0x00, 0x10);
 
