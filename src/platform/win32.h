@@ -5,18 +5,15 @@
 #define OVO_SRC_PLATFORM_WIN32_H
 
 #if defined(_WIN32)
-#  ifndef WIN32_LEAN_AND_MEAN
-#    define WIN32_LEAN_AND_MEAN
-#  endif
-#  ifndef NOMINMAX
-#    define NOMINMAX
-#  endif
-#  include <windows.h>
+#  include <ovo/win32/types.h> // <windows.h> and <aclapi.h>
 #else
 #  include "platform/posix/win32_types.h"
 #  include "platform/posix/comm.h"
 #  include "platform/posix/files.h"
+#  include "platform/posix/mapping.h"
 #  include "platform/posix/modules.h"
+#  include "platform/posix/security.h"
+#  include "platform/posix/synch.h"
 #endif
 
 namespace ovo {

@@ -20,7 +20,9 @@ using Milliseconds = std::chrono::milliseconds;
 
 class SerialPort : public FileObject {
 public:
-    explicit SerialPort(int descriptor) : FileObject(descriptor), kept(), timeouts()
+    static const unsigned kinds = fileKind | serialPortKind;
+
+    explicit SerialPort(int descriptor) : FileObject(descriptor, kinds), kept(), timeouts()
     {
         kept.DCBlength = sizeof(DCB);
         kept.fBinary = 1;
@@ -176,7 +178,9 @@ BOOL SerialPort::write(const void* buffer, DWORD size, DWORD& done)
 
 SerialPort* portOf(HANDLE handle)
 {
-    auto* const port = dynamic_cast<SerialPort*>(objectOf<FileObject>(handle));
+    if (objectOf<FileObject>(handle) == nullptr)
+        return nullptr;
+    auto* const port = objectOf<SerialPort>(handle);
     if (port == nullptr)
         SetLastError(ERROR_INVALID_FUNCTION); // a handle, but no communication device
     return port;

@@ -9,7 +9,9 @@ namespace posix {
 
 class FileObject : public KernelObject {
 public:
-    explicit FileObject(int descriptor);
+    static const unsigned kinds = fileKind;
+
+    explicit FileObject(int descriptor, unsigned kinds = fileKind);
     ~FileObject() override; // closing drops the share lock too
 
     // Synchronous transfers: all bytes or a failure, as on a Windows file.

@@ -12,7 +12,7 @@
 namespace ovo {
 namespace posix {
 
-FileObject::FileObject(int descriptor) : descriptor(descriptor) {}
+FileObject::FileObject(int descriptor, unsigned kinds) : KernelObject(kinds), descriptor(descriptor) {}
 
 FileObject::~FileObject() { ::close(descriptor); }
 

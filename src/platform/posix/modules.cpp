@@ -38,6 +38,20 @@ BOOL FreeLibrary(HMODULE module)
     return TRUE;
 }
 
+HMODULE GetModuleHandleA(LPCSTR name)
+{
+    void* const module = name != nullptr ? ::dlopen(name, RTLD_LAZY | RTLD_NOLOAD) : nullptr;
+    if (module == nullptr) {
+        SetLastError(ERROR_MOD_NOT_FOUND);
+        return nullptr;
+    }
+    ::dlclose(module); // RTLD_NOLOAD counted one more reference
+    SetLastError(ERROR_SUCCESS);
+    return module;
+}
+
+HANDLE GetCurrentProcess() { return INVALID_HANDLE_VALUE; } // -1, as on Windows
+
 FARPROC GetProcAddress(HMODULE module, LPCSTR name)
 {
     if (module == nullptr) {

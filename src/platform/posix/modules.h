@@ -1,4 +1,5 @@
-// Modules, the current directory and environment variables in the POSIX layer.
+// Modules, the current process, the current directory and environment variables in the
+// POSIX layer.
 #ifndef OVO_SRC_PLATFORM_POSIX_MODULES_H
 #define OVO_SRC_PLATFORM_POSIX_MODULES_H
 
@@ -16,6 +17,11 @@ const DWORD ERROR_ENVVAR_NOT_FOUND = 203;
 // ERROR_BAD_EXE_FORMAT, and dlerror()'s text kept for the thread (see loadFailureText).
 HMODULE LoadLibraryA(LPCSTR fileName);
 BOOL FreeLibrary(HMODULE module);
+// A module this process has loaded already, without a further reference; the layer knows
+// no module of Windows ("kernel32.dll"): null with ERROR_MOD_NOT_FOUND.
+HMODULE GetModuleHandleA(LPCSTR name);
+// The pseudo handle that stands for the calling process.
+HANDLE GetCurrentProcess();
 // A null module finds nothing, as on Windows (not the process's global symbols).
 FARPROC GetProcAddress(HMODULE module, LPCSTR name);
 BOOL SetCurrentDirectoryA(LPCSTR path);

@@ -3,12 +3,14 @@
 #ifndef OVO_SRC_PLATFORM_POSIX_WIN32_TYPES_H
 #define OVO_SRC_PLATFORM_POSIX_WIN32_TYPES_H
 
+#include <ovo/win32/types.h>
+
 #include <cstdint>
 
-using BOOL = int;
-using BYTE = std::uint8_t;
-using WORD = std::uint16_t;
-using DWORD = std::uint32_t;
+using ovo::win32::BOOL;
+using ovo::win32::BYTE;
+using ovo::win32::WORD;
+using ovo::win32::DWORD;
 using LONG = std::int32_t;
 using PLONG = LONG*;
 using LPDWORD = DWORD*;
@@ -16,10 +18,12 @@ using LPCSTR = const char*;
 using LPVOID = void*;
 using LPCVOID = const void*;
 using HANDLE = void*;
-struct SECURITY_ATTRIBUTES;
-using LPSECURITY_ATTRIBUTES = SECURITY_ATTRIBUTES*;
+using ovo::win32::SECURITY_ATTRIBUTES;
+using ovo::win32::LPSECURITY_ATTRIBUTES;
 struct OVERLAPPED;
 using LPOVERLAPPED = OVERLAPPED*;
+
+#define WINAPI // one calling convention here
 
 const BOOL TRUE = 1;
 const BOOL FALSE = 0;
@@ -60,6 +64,9 @@ const DWORD ERROR_DISK_FULL = 112;
 const DWORD ERROR_INVALID_NAME = 123;
 const DWORD ERROR_ALREADY_EXISTS = 183;
 const DWORD ERROR_FILENAME_EXCED_RANGE = 206;
+const DWORD ERROR_NOT_OWNER = 288;
+const DWORD ERROR_INVALID_ADDRESS = 487;
+const DWORD ERROR_MAPPED_ALIGNMENT = 1132;
 const DWORD ERROR_DEVICE_NOT_CONNECTED = 1167;
 
 DWORD GetLastError();

@@ -1,0 +1,50 @@
+// The security attributes that the create calls of named objects take, and the one
+// process query the registry needs.
+#ifndef OVO_WIN32_SECURITY_ATTRIBUTES_H
+#define OVO_WIN32_SECURITY_ATTRIBUTES_H
+
+#include <ovo/export.h>
+#include <ovo/win32/types.h>
+
+namespace ovo {
+namespace win32 {
+
+// A SECURITY_ATTRIBUTES record whose descriptor holds one access entry: `permissions`
+// granted to everyone (SA_World) or to the built-in administrators (any other kind).
+//
+// Ownership after operator=: both objects name the same identifier, list and descriptor.
+// A process-wide count of the objects that name each such set decides who releases it:
+// the last of them to be destroyed or reassigned. So every pointer is released exactly
+// once, whatever the order; the target's earlier set goes the same way.
+class OVO_API SecurityAttributes {
+public:
+    enum SA_Predefined { SA_World = 0, SA_Admin = 1 };
+
+    SecurityAttributes(SA_Predefined kind, unsigned long permissions);
+    ~SecurityAttributes();
+    SecurityAttributes& operator=(const SecurityAttributes& other);
+
+    // Valid while this object lives.
+    operator SECURITY_ATTRIBUTES*();
+
+private:
+    SecurityAttributes(const SecurityAttributes&) = delete;
+
+    void createAdminEA();
+    void createWorldEA();
+    void release();
+
+    PSID sid;
+    EXPLICIT_ACCESS_A explicitAccess;
+    PACL acl;
+    PSECURITY_DESCRIPTOR securityDescriptor;
+    SECURITY_ATTRIBUTES attributes;
+};
+
+// Whether this is a 32-bit process on a 64-bit Windows; false elsewhere and on failure.
+OVO_API bool IsWow64();
+
+} // namespace win32
+} // namespace ovo
+
+#endif

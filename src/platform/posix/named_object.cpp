@@ -1,0 +1,281 @@
+#include "platform/posix/named_object.h"
+
+#include "platform/posix/handle.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <map>
+#include <mutex>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace ovo {
+namespace posix {
+namespace {
+
+const char directory[] = "/dev/shm/";
+const char filePrefix[] = "ovosystem.";
+const std::size_t maxPath = 260;     // Windows' limit on an object name
+const std::size_t maxFileName = 255; // NAME_MAX of the usual file systems
+const std::uint32_t magic = 0x4F564F31; // "OVO1"
+const std::size_t stateOffset = 64;
+
+struct Header {
+    std::uint32_t magic;
+    std::uint32_t kind;
+    std::uint32_t listed;
+    std::uint32_t everyone;
+    std::uint32_t administrators;
+    std::uint32_t reserved;
+    std::uint64_t dataSize;
+};
+static_assert(sizeof(Header) <= stateOffset, "the state follows the header");
+
+// Byte 0 guards opening and closing; byte 1 is held shared by every open handle.
+const off_t guardByte = 0;
+const off_t livenessByte = 1;
+
+bool lockByte(int fd, off_t byte, short type, bool wait)
+{
+    struct flock lock = {};
+    lock.l_type = type;
+    lock.l_whence = SEEK_SET;
+    lock.l_start = byte;
+    lock.l_len = 1;
+    int result;
+    do
+        result = fcntl(fd, wait ? F_OFD_SETLKW : F_OFD_SETLK, &lock);
+    while (result != 0 && errno == EINTR);
+    return result == 0;
+}
+
+std::uint64_t fnv1a(const std::string& text, std::uint64_t seed)
+{
+    std::uint64_t hash = seed;
+    for (unsigned char c : text)
+        hash = (hash ^ c) * 0x100000001B3ull;
+    return hash;
+}
+
+// Keeps letters, digits and "._-"; every other byte becomes %XX, so a '/' or ".." is
+// ordinary text of one file name. A name too long for a file name is hashed instead.
+std::string encodedFileName(const std::string& scope, const std::string& name)
+{
+    std::string encoded = filePrefix + scope;
+    for (unsigned char c : name) {
+        if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '.' || c == '_' || c == '-') {
+            encoded += static_cast<char>(c);
+        } else {
+            char escape[4];
+            std::snprintf(escape, sizeof escape, "%%%02X", c);
+            encoded += escape;
+        }
+    }
+    if (encoded.size() <= maxFileName)
+        return encoded;
+    char hashed[40];
+    std::snprintf(hashed, sizeof hashed, "~%016llx%016llx",
+                  static_cast<unsigned long long>(fnv1a(name, 0xCBF29CE484222325ull)),
+                  static_cast<unsigned long long>(fnv1a(name, 0x84222325CBF29CE4ull)));
+    return filePrefix + scope + hashed;
+}
+
+std::size_t pageSize() { return static_cast<std::size_t>(sysconf(_SC_PAGESIZE)); }
+
+std::shared_ptr<NamedObject> fail(int fd, DWORD error)
+{
+    if (fd >= 0)
+        close(fd); // drops every lock of this descriptor
+    SetLastError(error);
+    return nullptr;
+}
+
+// Why an existing object is refused to a caller who wants `desiredAccess` on a `kind`.
+DWORD refusal(const Header& header, ObjectKind kind, DWORD desiredAccess)
+{
+    if (header.magic != magic || header.kind != static_cast<std::uint32_t>(kind))
+        return ERROR_INVALID_HANDLE;
+    ObjectAccess access;
+    access.listed = header.listed != 0;
+    access.everyone = header.everyone;
+    access.administrators = header.administrators;
+    return (desiredAccess & ~access.granted()) != 0 ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
+}
+
+// The objects this process holds, by file.
+class ProcessObjects {
+public:
+    using Key = std::pair<dev_t, ino_t>;
+
+    std::shared_ptr<NamedObject> find(const Key& key)
+    {
+        std::lock_guard<std::mutex> guard(lock_);
+        auto found = objects_.find(key);
+        return found != objects_.end() ? found->second.lock() : nullptr;
+    }
+
+    void add(const Key& key, const std::shared_ptr<NamedObject>& object)
+    {
+        std::lock_guard<std::mutex> guard(lock_);
+        objects_[key] = object;
+    }
+
+    void forget(const Key& key)
+    {
+        std::lock_guard<std::mutex> guard(lock_);
+        auto found = objects_.find(key);
+        if (found != objects_.end() && found->second.expired())
+            objects_.erase(found);
+    }
+
+private:
+    std::mutex lock_;
+    std::map<Key, std::weak_ptr<NamedObject>> objects_;
+};
+
+ProcessObjects& processObjects()
+{
+    static auto* objects = new ProcessObjects; // never destroyed: handles may outlive static destructors
+    return *objects;
+}
+
+} // namespace
+
+std::string objectPath(const char* name, DWORD& error)
+{
+    error = ERROR_SUCCESS;
+    if (name == nullptr) {
+        error = ERROR_INVALID_PARAMETER; // the layer has named objects only
+        return std::string();
+    }
+    std::string rest(name);
+    if (rest.size() > maxPath) {
+        error = ERROR_FILENAME_EXCED_RANGE;
+        return std::string();
+    }
+    std::string scope = "l.";
+    if (rest.compare(0, 6, "Local\\") == 0) {
+        rest.erase(0, 6);
+    } else if (rest.compare(0, 7, "Global\\") == 0) {
+        rest.erase(0, 7);
+        scope = "g.";
+    }
+    if (rest.empty())
+        error = ERROR_INVALID_NAME;
+    else if (rest.find('\\') != std::string::npos)
+        error = ERROR_PATH_NOT_FOUND; // no such directory of objects
+    return error == ERROR_SUCCESS ? directory + encodedFileName(scope, rest) : std::string();
+}
+
+std::shared_ptr<NamedObject> NamedObject::create(ObjectKind kind, const char* name, const SECURITY_ATTRIBUTES* security,
+                                                 DWORD desiredAccess, std::uint64_t dataSize, Initializer initialize,
+                                                 bool& existed)
+{
+    return acquire(kind, name, security, desiredAccess, dataSize, initialize, true, existed);
+}
+
+std::shared_ptr<NamedObject> NamedObject::open(ObjectKind kind, const char* name, DWORD desiredAccess)
+{
+    bool existed = false;
+    return acquire(kind, name, nullptr, desiredAccess, 0, nullptr, false, existed);
+}
+
+std::shared_ptr<NamedObject> NamedObject::acquire(ObjectKind kind, const char* name, const SECURITY_ATTRIBUTES* security,
+                                                  DWORD desiredAccess, std::uint64_t dataSize, Initializer initialize,
+                                                  bool create, bool& existed)
+{
+    DWORD error;
+    const std::string path = objectPath(name, error);
+    if (path.empty())
+        return fail(-1, error);
+    const ObjectAccess access = ObjectAccess::of(security);
+    for (;;) {
+        const int fd = ::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | (create ? O_CREAT : 0), access.fileMode());
+        if (fd < 0)
+            return fail(-1, setLastErrorFromErrno(errno));
+        if (!lockByte(fd, guardByte, F_WRLCK, true))
+            return fail(fd, setLastErrorFromErrno(errno));
+        struct stat opened, named;
+        if (fstat(fd, &opened) != 0 || opened.st_nlink == 0 || stat(path.c_str(), &named) != 0 ||
+            named.st_ino != opened.st_ino || named.st_dev != opened.st_dev) {
+            close(fd); // its last holder removed it meanwhile: start again with the name
+            continue;
+        }
+        const ProcessObjects::Key key(opened.st_dev, opened.st_ino);
+        if (std::shared_ptr<NamedObject> held = processObjects().find(key)) {
+            close(fd);
+            const DWORD refused = refusal(*static_cast<const Header*>(held->header_), kind, desiredAccess);
+            if (refused != ERROR_SUCCESS)
+                return fail(-1, refused);
+            existed = true;
+            SetLastError(ERROR_ALREADY_EXISTS);
+            return held;
+        }
+        const bool live = !lockByte(fd, livenessByte, F_WRLCK, false);
+        if (!live && !create) {
+            unlink(path.c_str()); // left behind by holders that died
+            return fail(fd, ERROR_FILE_NOT_FOUND);
+        }
+        const std::size_t headerSize = pageSize();
+        if (!live && (ftruncate(fd, 0) != 0 || ftruncate(fd, static_cast<off_t>(headerSize + dataSize)) != 0)) {
+            const DWORD truncateError = setLastErrorFromErrno(errno);
+            unlink(path.c_str());
+            return fail(fd, truncateError);
+        }
+        if (live && static_cast<std::size_t>(opened.st_size) < headerSize)
+            return fail(fd, ERROR_INVALID_HANDLE); // not one of ours
+        void* mapped = mmap(nullptr, headerSize, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
+        if (mapped == MAP_FAILED) {
+            const DWORD mapError = setLastErrorFromErrno(errno);
+            if (!live)
+                unlink(path.c_str());
+            return fail(fd, mapError);
+        }
+        auto* header = static_cast<Header*>(mapped);
+        if (live) {
+            const DWORD refused = refusal(*header, kind, desiredAccess);
+            if (refused != ERROR_SUCCESS) {
+                munmap(mapped, headerSize);
+                return fail(fd, refused);
+            }
+        } else {
+            fchmod(fd, access.fileMode()); // the mode asked for, whatever the umask
+            *header = Header{magic, static_cast<std::uint32_t>(kind), access.listed, access.everyone,
+                             access.administrators, 0, dataSize};
+            if (initialize != nullptr)
+                initialize(static_cast<char*>(mapped) + stateOffset);
+        }
+        lockByte(fd, livenessByte, F_RDLCK, false); // compatible with the other holders
+        lockByte(fd, guardByte, F_UNLCK, false);
+        std::shared_ptr<NamedObject> object(new NamedObject(fd, path, mapped));
+        processObjects().add(key, object);
+        existed = live;
+        SetLastError(live ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
+        return object;
+    }
+}
+
+NamedObject::~NamedObject()
+{
+    lockByte(fd_, guardByte, F_WRLCK, true);
+    lockByte(fd_, livenessByte, F_UNLCK, false);
+    if (lockByte(fd_, livenessByte, F_WRLCK, false))
+        unlink(path_.c_str()); // the last handle anywhere
+    struct stat own;
+    if (fstat(fd_, &own) == 0)
+        processObjects().forget(ProcessObjects::Key(own.st_dev, own.st_ino));
+    munmap(header_, pageSize());
+    close(fd_);
+}
+
+void* NamedObject::state() const { return static_cast<char*>(header_) + stateOffset; }
+
+std::uint64_t NamedObject::dataSize() const { return static_cast<const Header*>(header_)->dataSize; }
+
+std::uint64_t NamedObject::dataOffset() { return pageSize(); }
+
+} // namespace posix
+} // namespace ovo

@@ -1,0 +1,71 @@
+// Named kernel objects of the POSIX layer (mutex, event, file mapping). Names share one
+// namespace: "Local\NAME" (or "Global\NAME") is the file /dev/shm/ovosystem.NAME, with NAME
+// encoded so that no byte of it leaves that directory. A file holds one page of header
+// and the object's state, and a mapping's bytes after it.
+//
+// Liveness comes from the kernel, not from a count a crash could leave behind: every open
+// handle holds a shared lock on byte 1 of the file (an open-file-description lock, which
+// the kernel drops with the handle's descriptor, also when its process dies). Opening and
+// closing take byte 0 exclusively, so that they see each other whole. Whoever finds byte 1
+// free under that lock knows no handle is left: the closer removes the file, and an opener
+// that finds a file left by processes that died starts a fresh object in it. The handles
+// of one process on one object share one NamedObject: one descriptor, one mapping.
+#ifndef OVO_SRC_PLATFORM_POSIX_NAMED_OBJECT_H
+#define OVO_SRC_PLATFORM_POSIX_NAMED_OBJECT_H
+
+#include "platform/posix/security.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace ovo {
+namespace posix {
+
+enum class ObjectKind : std::uint32_t { mutex = 1, event = 2, mapping = 3 };
+
+// The file name of an object name, or empty with the Win32 code of a name that Windows
+// refuses as well: nothing after the prefix (ERROR_INVALID_NAME), a further backslash
+// (ERROR_PATH_NOT_FOUND), more than MAX_PATH characters (ERROR_FILENAME_EXCED_RANGE).
+std::string objectPath(const char* name, DWORD& error);
+
+class NamedObject {
+public:
+    // What a fresh object's state must hold before anybody else sees it.
+    using Initializer = void (*)(void* state);
+
+    // Creates the object, or joins an existing one of the kind when `desiredAccess` is
+    // granted (`existed` true). Null with the last error set on failure.
+    static std::shared_ptr<NamedObject> create(ObjectKind kind, const char* name, const SECURITY_ATTRIBUTES* security,
+                                               DWORD desiredAccess, std::uint64_t dataSize, Initializer initialize,
+                                               bool& existed);
+    // Joins an existing object; ERROR_FILE_NOT_FOUND when there is none.
+    static std::shared_ptr<NamedObject> open(ObjectKind kind, const char* name, DWORD desiredAccess);
+
+    ~NamedObject();
+    NamedObject(const NamedObject&) = delete;
+    NamedObject& operator=(const NamedObject&) = delete;
+
+    // The kind's state, in the header page, shared by every holder.
+    void* state() const;
+    int descriptor() const { return fd_; }
+    std::uint64_t dataSize() const;
+    // Where a mapping's bytes begin in the file.
+    static std::uint64_t dataOffset();
+
+private:
+    NamedObject(int fd, std::string path, void* header) : fd_(fd), path_(std::move(path)), header_(header) {}
+
+    static std::shared_ptr<NamedObject> acquire(ObjectKind kind, const char* name, const SECURITY_ATTRIBUTES* security,
+                                                DWORD desiredAccess, std::uint64_t dataSize, Initializer initialize,
+                                                bool create, bool& existed);
+
+    int fd_;
+    std::string path_;
+    void* header_;
+};
+
+} // namespace posix
+} // namespace ovo
+
+#endif

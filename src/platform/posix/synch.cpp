@@ -1,0 +1,265 @@
+#include "platform/posix/synch.h"
+
+#include "platform/posix/handle.h"
+#include "platform/posix/named_object.h"
+
+#include <atomic>
+#include <cerrno>
+#include <chrono>
+#include <ctime>
+#include <linux/futex.h>
+#include <mutex>
+#include <new>
+#include <pthread.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+#include <string>
+#include <vector>
+
+namespace {
+
+using ovo::posix::NamedObject;
+using ovo::posix::ObjectKind;
+
+class WaitableObject : public ovo::posix::KernelObject {
+public:
+    static const unsigned kinds = waitableKind;
+
+    WaitableObject(unsigned kinds, std::shared_ptr<NamedObject> object, DWORD access)
+        : KernelObject(kinds), object_(std::move(object)), access_(access)
+    {
+    }
+    virtual DWORD wait(DWORD milliseconds) = 0;
+    bool allows(DWORD access) const { return (access_ & access) == access; }
+
+protected:
+    std::shared_ptr<NamedObject> object_;
+
+private:
+    DWORD access_;
+};
+
+class MutexObject : public WaitableObject {
+public:
+    static const unsigned kinds = waitableKind | mutexKind;
+
+    MutexObject(std::shared_ptr<NamedObject> object, DWORD access)
+        : WaitableObject(kinds, std::move(object), access), mutex_(static_cast<pthread_mutex_t*>(object_->state()))
+    {
+    }
+
+    // A thread keeps a mutex that it owns when the process closes its last handle, as on
+    // Windows: the object stays mapped (and alive) until the process ends, so that no
+    // thread's list of robust mutexes points at memory that is gone.
+    ~MutexObject() override
+    {
+        if (object_.use_count() == 1 && ownedInThisProcess()) {
+            static std::mutex keptLock;
+            static auto* kept = new std::vector<std::shared_ptr<NamedObject>>;
+            std::lock_guard<std::mutex> guard(keptLock);
+            kept->push_back(std::move(object_));
+        }
+    }
+
+    static void initialize(void* state)
+    {
+        pthread_mutexattr_t attributes;
+        pthread_mutexattr_init(&attributes);
+        pthread_mutexattr_setpshared(&attributes, PTHREAD_PROCESS_SHARED);
+        pthread_mutexattr_setrobust(&attributes, PTHREAD_MUTEX_ROBUST);
+        pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE); // a Win32 mutex is
+        pthread_mutex_init(static_cast<pthread_mutex_t*>(state), &attributes);
+        pthread_mutexattr_destroy(&attributes);
+    }
+
+    DWORD wait(DWORD milliseconds) override
+    {
+        int result = milliseconds == 0 ? pthread_mutex_trylock(mutex_) : spinWhileHeld();
+        if (result == EBUSY && milliseconds == INFINITE)
+            result = pthread_mutex_lock(mutex_);
+        else if (result == EBUSY && milliseconds != 0)
+            result = lockBefore(milliseconds);
+        switch (result) {
+        case 0:
+            return WAIT_OBJECT_0;
+        case EOWNERDEAD:
+            pthread_mutex_consistent(mutex_);
+            return WAIT_ABANDONED;
+        case EBUSY:
+        case ETIMEDOUT:
+            return WAIT_TIMEOUT;
+        default:
+            ovo::posix::setLastErrorFromErrno(result);
+            return WAIT_FAILED;
+        }
+    }
+
+    // Holders keep the mutex for a short copy: a while of watching it, with a try whenever
+    // it looks free, spares both sides a sleep in the kernel. EBUSY when it stayed taken.
+    int spinWhileHeld()
+    {
+        for (int round = 0;; ++round) {
+            const int result = pthread_mutex_trylock(mutex_);
+            if (result != EBUSY || round == 50)
+                return result;
+            for (int i = 0; i < 16 && __atomic_load_n(&mutex_->__data.__lock, __ATOMIC_RELAXED) != 0; ++i) {
+#if defined(__x86_64__) || defined(__i386__)
+                __builtin_ia32_pause();
+#endif
+            }
+        }
+    }
+
+    // timedlock takes the wall clock; a clock step during the wait moves its end.
+    int lockBefore(DWORD milliseconds)
+    {
+        timespec deadline;
+        clock_gettime(CLOCK_REALTIME, &deadline);
+        deadline.tv_sec += milliseconds / 1000;
+        deadline.tv_nsec += static_cast<long>(milliseconds % 1000) * 1000000L;
+        if (deadline.tv_nsec >= 1000000000L) {
+            deadline.tv_sec += 1;
+            deadline.tv_nsec -= 1000000000L;
+        }
+        return pthread_mutex_timedlock(mutex_, &deadline);
+    }
+
+    bool ownedInThisProcess() const
+    {
+        const int owner = mutex_->__data.__owner;
+        return owner != 0 && access(("/proc/self/task/" + std::to_string(owner)).c_str(), F_OK) == 0;
+    }
+
+    BOOL release()
+    {
+        const int result = pthread_mutex_unlock(mutex_);
+        if (result == 0)
+            return TRUE;
+        SetLastError(result == EPERM ? ERROR_NOT_OWNER : ovo::posix::setLastErrorFromErrno(result));
+        return FALSE;
+    }
+
+private:
+    pthread_mutex_t* mutex_;
+};
+
+class EventObject : public WaitableObject {
+public:
+    static const unsigned kinds = waitableKind | eventKind;
+
+    EventObject(std::shared_ptr<NamedObject> object, DWORD access)
+        : WaitableObject(kinds, std::move(object), access), word_(static_cast<std::atomic<std::uint32_t>*>(object_->state()))
+    {
+    }
+
+    static void initialize(void* state) { new (state) std::atomic<std::uint32_t>(0); }
+
+    DWORD wait(DWORD milliseconds) override
+    {
+        using Clock = std::chrono::steady_clock;
+        const Clock::time_point end = Clock::now() + std::chrono::milliseconds(milliseconds);
+        for (;;) {
+            std::uint32_t set = 1;
+            if (word_->compare_exchange_strong(set, 0))
+                return WAIT_OBJECT_0;
+            timespec remaining = {};
+            if (milliseconds != INFINITE) {
+                const auto left = std::chrono::duration_cast<std::chrono::nanoseconds>(end - Clock::now()).count();
+                if (left <= 0)
+                    return WAIT_TIMEOUT;
+                remaining.tv_sec = static_cast<time_t>(left / 1000000000);
+                remaining.tv_nsec = static_cast<long>(left % 1000000000);
+            }
+            // Sleeps only while the word is still 0; wakes on SetEvent, a signal or the end.
+            syscall(SYS_futex, word_, FUTEX_WAIT, 0, milliseconds == INFINITE ? nullptr : &remaining, nullptr, 0);
+        }
+    }
+
+    void set()
+    {
+        word_->store(1);
+        syscall(SYS_futex, word_, FUTEX_WAKE, 1, nullptr, nullptr, 0);
+    }
+
+private:
+    std::atomic<std::uint32_t>* word_;
+};
+static_assert(sizeof(std::atomic<std::uint32_t>) == 4, "a futex word");
+
+template <typename Object>
+HANDLE handleOf(std::shared_ptr<NamedObject> object, DWORD access)
+{
+    if (object == nullptr)
+        return nullptr;
+    const DWORD result = GetLastError(); // ERROR_ALREADY_EXISTS stays visible
+    HANDLE handle = static_cast<ovo::posix::KernelObject*>(new Object(std::move(object), access));
+    SetLastError(result);
+    return handle;
+}
+
+} // namespace
+
+HANDLE CreateMutexA(LPSECURITY_ATTRIBUTES security, BOOL initialOwner, LPCSTR name)
+{
+    bool existed = false;
+    HANDLE handle = handleOf<MutexObject>(
+        NamedObject::create(ObjectKind::mutex, name, security, MUTEX_ALL_ACCESS, 0, &MutexObject::initialize, existed),
+        MUTEX_ALL_ACCESS);
+    if (handle != nullptr && initialOwner && !existed) {
+        const DWORD result = GetLastError();
+        WaitForSingleObject(handle, 0);
+        SetLastError(result);
+    }
+    return handle;
+}
+
+HANDLE OpenMutexA(DWORD desiredAccess, BOOL, LPCSTR name)
+{
+    return handleOf<MutexObject>(NamedObject::open(ObjectKind::mutex, name, desiredAccess), desiredAccess);
+}
+
+BOOL ReleaseMutex(HANDLE mutex)
+{
+    MutexObject* const object = ovo::posix::objectOf<MutexObject>(mutex);
+    return object != nullptr ? object->release() : FALSE;
+}
+
+HANDLE CreateEventA(LPSECURITY_ATTRIBUTES security, BOOL manualReset, BOOL initialState, LPCSTR name)
+{
+    if (manualReset) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return nullptr;
+    }
+    bool existed = false;
+    HANDLE handle = handleOf<EventObject>(
+        NamedObject::create(ObjectKind::event, name, security, EVENT_ALL_ACCESS, 0, &EventObject::initialize, existed),
+        EVENT_ALL_ACCESS);
+    if (handle != nullptr && initialState && !existed)
+        SetEvent(handle);
+    return handle;
+}
+
+BOOL SetEvent(HANDLE event)
+{
+    EventObject* const object = ovo::posix::objectOf<EventObject>(event);
+    if (object == nullptr)
+        return FALSE;
+    if (!object->allows(EVENT_MODIFY_STATE)) {
+        SetLastError(ERROR_ACCESS_DENIED);
+        return FALSE;
+    }
+    object->set();
+    return TRUE;
+}
+
+DWORD WaitForSingleObject(HANDLE object, DWORD milliseconds)
+{
+    WaitableObject* const waitable = ovo::posix::objectOf<WaitableObject>(object);
+    if (waitable == nullptr)
+        return WAIT_FAILED;
+    if (!waitable->allows(SYNCHRONIZE)) {
+        SetLastError(ERROR_ACCESS_DENIED);
+        return WAIT_FAILED;
+    }
+    return waitable->wait(milliseconds);
+}
