@@ -3,6 +3,10 @@
 #define OVO_OVOSYSTEM_H
 
 #include <ovo/environment.h>
+#include <ovo/ipc/message_channel.h>
+#include <ovo/ipc/shared_memory.h>
+#include <ovo/ipc/system_event.h>
+#include <ovo/ipc/system_mutex.h>
 #include <ovo/io/apdu.h>
 #include <ovo/io/enumeration.h>
 #include <ovo/io/pcsc.h>
@@ -20,5 +24,6 @@
 #include <ovo/number_parser.h>
 #include <ovo/nv_collection.h>
 #include <ovo/strings.h>
+#include <ovo/win32/security_attributes.h>
 
 #endif

@@ -1,0 +1,49 @@
+// A bounded queue of byte messages that processes share by name.
+#ifndef OVO_IPC_MESSAGE_CHANNEL_H
+#define OVO_IPC_MESSAGE_CHANNEL_H
+
+#include <ovo/export.h>
+
+#include <string>
+#include <vector>
+
+class MessageChannelImpl;
+
+namespace ovo {
+namespace ipc {
+
+// The block "<name>_data" of `size` bytes holds a table of up to 256 messages (the first
+// 4113 bytes) and their bodies; the mutex "<name>_lock" guards it. Nothing waits for a
+// message: receivers poll. The layout is shared by every process on the channel:
+//   offset 0 count; 16 + 16 * i entry i (id, size, offset from the block's start);
+//   4113 the bodies, oldest first, back to back.
+class OVO_API MessageChannel {
+public:
+    // The smallest block that holds the table.
+    static constexpr unsigned int minimumSize = 4113;
+
+    // Throws std::runtime_error for a size below minimumSize, and what SharedMemory and
+    // SystemMutex throw.
+    MessageChannel(const std::string& name, unsigned int size);
+    ~MessageChannel();
+
+    // False when the table is full or the body does not fit the room left; nothing changes.
+    bool send(unsigned int id, void* data, unsigned int size);
+    // The oldest message with this id (0: any message) when its body has exactly `size`
+    // bytes; false, with nothing changed, when there is none or its size differs.
+    bool recv(unsigned int id, void* data, unsigned int size);
+    // The oldest message with this id (0: any message), whatever its size.
+    bool recv(unsigned int id, std::vector<unsigned char>& data);
+    unsigned int inQueue() const;
+
+private:
+    MessageChannel(const MessageChannel&) = delete;
+    MessageChannel& operator=(const MessageChannel&) = delete;
+
+    MessageChannelImpl* impl_;
+};
+
+} // namespace ipc
+} // namespace ovo
+
+#endif

@@ -1,0 +1,110 @@
+// A program of the test build running beside the test, to be waited for or killed the
+// hard way (SIGKILL; TerminateProcess on Windows), as a crash would end it.
+#ifndef OVO_TESTS_SUPPORT_CHILD_PROCESS_H
+#define OVO_TESTS_SUPPORT_CHILD_PROCESS_H
+
+#include "support/process.h"
+
+#include <chrono>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#if !defined(_WIN32)
+#  include <signal.h>
+#  include <spawn.h>
+extern char** environ;
+#endif
+
+namespace ovo_test {
+
+class ChildProcess {
+public:
+    ChildProcess(const std::string& program, const std::vector<std::string>& args)
+    {
+#if defined(_WIN32)
+        std::string command = "\"" + siblingProgram(program) + "\"";
+        for (const std::string& arg : args)
+            command += " \"" + arg + "\"";
+        STARTUPINFOA startup = {};
+        startup.cb = sizeof startup;
+        PROCESS_INFORMATION info = {};
+        if (!CreateProcessA(nullptr, &command[0], nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info))
+            throw std::runtime_error("cannot start " + program);
+        CloseHandle(info.hThread);
+        process_ = info.hProcess;
+#else
+        const std::string path = siblingProgram(program);
+        std::vector<char*> argv{const_cast<char*>(path.c_str())};
+        for (const std::string& arg : args)
+            argv.push_back(const_cast<char*>(arg.c_str()));
+        argv.push_back(nullptr);
+        if (posix_spawn(&pid_, path.c_str(), nullptr, nullptr, argv.data(), environ) != 0)
+            throw std::runtime_error("cannot start " + program);
+#endif
+    }
+
+    ~ChildProcess()
+    {
+        if (running_)
+            kill();
+    }
+    ChildProcess(const ChildProcess&) = delete;
+    ChildProcess& operator=(const ChildProcess&) = delete;
+
+    // The exit status.
+    int wait()
+    {
+        running_ = false;
+#if defined(_WIN32)
+        WaitForSingleObject(process_, INFINITE);
+        DWORD status = 0;
+        GetExitCodeProcess(process_, &status);
+        CloseHandle(process_);
+        return static_cast<int>(status);
+#else
+        int status = 0;
+        while (waitpid(pid_, &status, 0) < 0 && errno == EINTR) {
+        }
+        return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+#endif
+    }
+
+    // Ends the process at once, whatever it holds, and reaps it.
+    void kill()
+    {
+#if defined(_WIN32)
+        TerminateProcess(process_, 137);
+#else
+        ::kill(pid_, SIGKILL);
+#endif
+        wait();
+    }
+
+private:
+    bool running_ = true;
+#if defined(_WIN32)
+    HANDLE process_ = nullptr;
+#else
+    pid_t pid_ = 0;
+#endif
+};
+
+// Waits up to `limit` for a file to appear (a child's sign that it is ready).
+inline bool waitForFile(const std::filesystem::path& path,
+                        std::chrono::milliseconds limit = std::chrono::milliseconds(20000))
+{
+    const auto end = std::chrono::steady_clock::now() + limit;
+    while (!std::filesystem::exists(path)) {
+        if (std::chrono::steady_clock::now() > end)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+    return true;
+}
+
+} // namespace ovo_test
+
+#endif
