@@ -18,7 +18,7 @@ fuzzSeconds=${OVO_FUZZ_SECONDS:-10}
 suites=("$@")
 [ ${#suites[@]} -gt 0 ] || suites=(linux asan tsan win64 win32 fuzz bench)
 
-packages=(cmake ninja-build g++ pkg-config util-linux googletest libgtest-dev libbenchmark-dev libspdlog-dev
+packages=(cmake ninja-build g++ pkg-config util-linux googletest libgtest-dev libbenchmark-dev libspdlog-dev libboost-dev
           clang libclang-rt-14-dev g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix wine64
           libpcsclite-dev pcscd pcsc-tools vsmartcard-vpcd vsmartcard-vpicc python3-pycryptodome)
 

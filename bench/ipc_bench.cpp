@@ -1,0 +1,268 @@
+// The message channel and the named mutex against their peers, in the same run:
+// Boost.Interprocess's message_queue and named_mutex, POSIX message queues, and a bare
+// robust process-shared pthread mutex (the floor of a named mutex here).
+//
+// Throughput: a forked sender process and this process as the receiver move 200,000
+// messages of 64 bytes; ping-pong: one round trip through two queues between two
+// processes; mutex: an uncontended lock and unlock.
+#include <ovo/ipc/message_channel.h>
+#include <ovo/ipc/system_mutex.h>
+
+#include "ratio_report.h"
+
+#include <benchmark/benchmark.h>
+#include <boost/interprocess/ipc/message_queue.hpp>
+#include <boost/interprocess/sync/named_mutex.hpp>
+
+#include <fcntl.h>
+#include <mqueue.h>
+#include <pthread.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <string>
+#include <thread>
+
+namespace {
+
+namespace bip = boost::interprocess;
+
+const unsigned messages = 200000;
+const unsigned messageSize = 64;
+const unsigned slots = 256;
+
+std::string uniqueName(const char* what) { return std::string("ovobench-") + what + "-" + std::to_string(getpid()); }
+
+// Runs `child` in a forked process and gives its pid; the child ends with it.
+template <typename Child>
+pid_t forkChild(Child child)
+{
+    const pid_t pid = fork();
+    if (pid == 0) {
+        child();
+        _exit(0);
+    }
+    return pid;
+}
+
+// How a polling peer of a channel waits when the table is full or empty: a short pause
+// off the lock, so that the other side gets it, before the next try.
+void backOff()
+{
+    for (int i = 0; i < 64; ++i)
+        __builtin_ia32_pause();
+}
+
+void reap(pid_t pid)
+{
+    int status;
+    waitpid(pid, &status, 0);
+}
+
+// --- throughput -------------------------------------------------------------------------
+
+void messageChannelThroughput(benchmark::State& state)
+{
+    const std::string name = uniqueName("channel");
+    ovo::ipc::MessageChannel receiver(name, ovo::ipc::MessageChannel::minimumSize + slots * messageSize);
+    unsigned char buffer[messageSize] = {};
+    for (auto _ : state) {
+        const pid_t sender = forkChild([&] {
+            ovo::ipc::MessageChannel channel(name, ovo::ipc::MessageChannel::minimumSize + slots * messageSize);
+            unsigned char body[messageSize] = {};
+            for (unsigned i = 0; i < messages; ++i)
+                while (!channel.send(1, body, messageSize))
+                    backOff();
+        });
+        for (unsigned i = 0; i < messages; ++i)
+            while (!receiver.recv(1, buffer, messageSize))
+                backOff();
+        reap(sender);
+    }
+    state.SetItemsProcessed(state.iterations() * messages);
+}
+BENCHMARK(messageChannelThroughput)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+void boostQueueThroughput(benchmark::State& state)
+{
+    const std::string name = uniqueName("boostq");
+    bip::message_queue::remove(name.c_str());
+    bip::message_queue queue(bip::create_only, name.c_str(), slots, messageSize);
+    unsigned char buffer[messageSize] = {};
+    for (auto _ : state) {
+        const pid_t sender = forkChild([&] {
+            bip::message_queue peer(bip::open_only, name.c_str());
+            unsigned char body[messageSize] = {};
+            for (unsigned i = 0; i < messages; ++i)
+                peer.send(body, messageSize, 0);
+        });
+        bip::message_queue::size_type received;
+        unsigned int priority;
+        for (unsigned i = 0; i < messages; ++i)
+            queue.receive(buffer, messageSize, received, priority);
+        reap(sender);
+    }
+    bip::message_queue::remove(name.c_str());
+    state.SetItemsProcessed(state.iterations() * messages);
+}
+BENCHMARK(boostQueueThroughput)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+// As many slots as the system allows an unprivileged queue (often 10) up to 256.
+mqd_t openPosixQueue(const std::string& name)
+{
+    for (long capacity : {long(slots), 10L}) {
+        mq_attr attributes = {};
+        attributes.mq_maxmsg = capacity;
+        attributes.mq_msgsize = messageSize;
+        const mqd_t queue = mq_open(name.c_str(), O_CREAT | O_RDWR, 0600, &attributes);
+        if (queue != mqd_t(-1))
+            return queue;
+    }
+    return mqd_t(-1);
+}
+
+void posixQueueThroughput(benchmark::State& state)
+{
+    const std::string name = "/" + uniqueName("mq");
+    const mqd_t queue = openPosixQueue(name);
+    if (queue == mqd_t(-1)) {
+        state.SkipWithError("mq_open failed");
+        return;
+    }
+    char buffer[messageSize] = {};
+    for (auto _ : state) {
+        const pid_t sender = forkChild([&] {
+            const mqd_t peer = mq_open(name.c_str(), O_WRONLY);
+            char body[messageSize] = {};
+            for (unsigned i = 0; i < messages; ++i)
+                mq_send(peer, body, messageSize, 0);
+        });
+        for (unsigned i = 0; i < messages; ++i)
+            mq_receive(queue, buffer, messageSize, nullptr);
+        reap(sender);
+    }
+    mq_close(queue);
+    mq_unlink(name.c_str());
+    state.SetItemsProcessed(state.iterations() * messages);
+}
+BENCHMARK(posixQueueThroughput)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+// --- ping-pong --------------------------------------------------------------------------
+
+const unsigned char stop = 0xFF;
+
+void messageChannelPingPong(benchmark::State& state)
+{
+    const std::string name = uniqueName("pingpong");
+    const unsigned size = ovo::ipc::MessageChannel::minimumSize + slots * messageSize;
+    ovo::ipc::MessageChannel ping(name + "-ping", size), pong(name + "-pong", size);
+    const pid_t echo = forkChild([&] {
+        ovo::ipc::MessageChannel in(name + "-ping", size), out(name + "-pong", size);
+        unsigned char body[messageSize] = {};
+        do {
+            while (!in.recv(0, body, messageSize))
+                std::this_thread::yield();
+            out.send(1, body, messageSize);
+        } while (body[0] != stop);
+    });
+    unsigned char body[messageSize] = {};
+    for (auto _ : state) {
+        ping.send(1, body, messageSize);
+        while (!pong.recv(0, body, messageSize))
+            std::this_thread::yield();
+    }
+    body[0] = stop;
+    ping.send(1, body, messageSize);
+    reap(echo);
+}
+BENCHMARK(messageChannelPingPong)->UseRealTime();
+
+void boostQueuePingPong(benchmark::State& state)
+{
+    const std::string ping = uniqueName("bping"), pong = uniqueName("bpong");
+    bip::message_queue::remove(ping.c_str());
+    bip::message_queue::remove(pong.c_str());
+    bip::message_queue out(bip::create_only, ping.c_str(), slots, messageSize);
+    bip::message_queue in(bip::create_only, pong.c_str(), slots, messageSize);
+    const pid_t echo = forkChild([&] {
+        bip::message_queue peerIn(bip::open_only, ping.c_str()), peerOut(bip::open_only, pong.c_str());
+        unsigned char body[messageSize] = {};
+        bip::message_queue::size_type received;
+        unsigned int priority;
+        do {
+            peerIn.receive(body, messageSize, received, priority);
+            peerOut.send(body, messageSize, 0);
+        } while (body[0] != stop);
+    });
+    unsigned char body[messageSize] = {};
+    bip::message_queue::size_type received;
+    unsigned int priority;
+    for (auto _ : state) {
+        out.send(body, messageSize, 0);
+        in.receive(body, messageSize, received, priority);
+    }
+    body[0] = stop;
+    out.send(body, messageSize, 0);
+    reap(echo);
+    bip::message_queue::remove(ping.c_str());
+    bip::message_queue::remove(pong.c_str());
+}
+BENCHMARK(boostQueuePingPong)->UseRealTime();
+
+// --- uncontended mutex ------------------------------------------------------------------
+
+void systemMutexLockUnlock(benchmark::State& state)
+{
+    ovo::ipc::SystemMutex mutex(uniqueName("mutex"));
+    for (auto _ : state) {
+        mutex.lock();
+        mutex.unlock();
+    }
+}
+BENCHMARK(systemMutexLockUnlock);
+
+void boostNamedMutexLockUnlock(benchmark::State& state)
+{
+    const std::string name = uniqueName("bmutex");
+    bip::named_mutex::remove(name.c_str());
+    bip::named_mutex mutex(bip::create_only, name.c_str());
+    for (auto _ : state) {
+        mutex.lock();
+        mutex.unlock();
+    }
+    bip::named_mutex::remove(name.c_str());
+}
+BENCHMARK(boostNamedMutexLockUnlock);
+
+void robustPthreadMutexLockUnlock(benchmark::State& state)
+{
+    void* memory = mmap(nullptr, sizeof(pthread_mutex_t), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    auto* mutex = static_cast<pthread_mutex_t*>(memory);
+    pthread_mutexattr_t attributes;
+    pthread_mutexattr_init(&attributes);
+    pthread_mutexattr_setpshared(&attributes, PTHREAD_PROCESS_SHARED);
+    pthread_mutexattr_setrobust(&attributes, PTHREAD_MUTEX_ROBUST);
+    pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE);
+    pthread_mutex_init(mutex, &attributes);
+    for (auto _ : state) {
+        pthread_mutex_lock(mutex);
+        pthread_mutex_unlock(mutex);
+    }
+    pthread_mutex_destroy(mutex);
+    munmap(memory, sizeof(pthread_mutex_t));
+}
+BENCHMARK(robustPthreadMutexLockUnlock);
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    return ovo_bench::runAndCompare(argc, argv,
+                                    {{"messageChannelThroughput/real_time", "boostQueueThroughput/real_time", 1.0},
+                                     {"messageChannelThroughput/real_time", "posixQueueThroughput/real_time", 1.0},
+                                     {"messageChannelPingPong/real_time", "boostQueuePingPong/real_time", 1.0},
+                                     {"systemMutexLockUnlock", "robustPthreadMutexLockUnlock", 1.5},
+                                     {"systemMutexLockUnlock", "boostNamedMutexLockUnlock", 0}});
+}
