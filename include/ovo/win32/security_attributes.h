@@ -18,7 +18,8 @@ namespace win32 {
 // once, whatever the order; the target's earlier set goes the same way.
 class OVO_API SecurityAttributes {
 public:
-    enum SA_Predefined { SA_World = 0, SA_Admin = 1 };
+    // Any value other than 0 selects the administrators (an int underneath, so that any is valid).
+    enum SA_Predefined : int { SA_World = 0, SA_Admin = 1 };
 
     SecurityAttributes(SA_Predefined kind, unsigned long permissions);
     ~SecurityAttributes();
