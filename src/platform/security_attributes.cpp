@@ -1,46 +1,15 @@
 #include <ovo/win32/security_attributes.h>
 
+#include "platform/shared_holders.h"
 #include "platform/win32.h"
 
-#include <map>
-#include <mutex>
 
 namespace ovo {
 namespace win32 {
 namespace {
 
-// How many objects beyond the first name each shared identifier (and with it its list
-// and descriptor, which always travel together). Only sets shared by operator= appear.
-class SharedSets {
-public:
-    void share(PSID sid)
-    {
-        std::lock_guard<std::mutex> guard(lock_);
-        ++extraOwners_[sid];
-    }
-
-    // True when the caller is the last owner and must release the set.
-    bool leave(PSID sid)
-    {
-        std::lock_guard<std::mutex> guard(lock_);
-        auto found = extraOwners_.find(sid);
-        if (found == extraOwners_.end())
-            return true;
-        if (--found->second == 0)
-            extraOwners_.erase(found);
-        return false;
-    }
-
-private:
-    std::mutex lock_;
-    std::map<PSID, unsigned> extraOwners_;
-};
-
-SharedSets& sharedSets()
-{
-    static auto* sets = new SharedSets; // never destroyed: objects may outlive static destructors
-    return *sets;
-}
+// An identifier stands for its set: the list and descriptor travel with it.
+using SharedSets = ovo::platform::SharedHolders<PSID>;
 
 } // namespace
 
@@ -74,7 +43,7 @@ SecurityAttributes& SecurityAttributes::operator=(const SecurityAttributes& othe
     acl = other.acl;
     securityDescriptor = other.securityDescriptor;
     attributes = other.attributes;
-    sharedSets().share(sid);
+    SharedSets::instance().share(sid);
     return *this;
 }
 
@@ -82,7 +51,7 @@ SecurityAttributes::operator SECURITY_ATTRIBUTES*() { return &attributes; }
 
 void SecurityAttributes::release()
 {
-    if (!sharedSets().leave(sid))
+    if (!SharedSets::instance().leave(sid))
         return;
     if (sid != nullptr)
         FreeSid(sid);

@@ -12,6 +12,7 @@
 #  include "platform/posix/files.h"
 #  include "platform/posix/mapping.h"
 #  include "platform/posix/modules.h"
+#  include "platform/posix/registry_store.h"
 #  include "platform/posix/security.h"
 #  include "platform/posix/synch.h"
 #endif

@@ -23,6 +23,7 @@ using ::BOOL;
 using ::BYTE;
 using ::DWORD;
 using ::EXPLICIT_ACCESS_A;
+using ::HKEY;
 using ::PACL;
 using ::PSECURITY_DESCRIPTOR;
 using ::PSID;
@@ -94,8 +95,18 @@ struct SECURITY_ATTRIBUTES {
 };
 using LPSECURITY_ATTRIBUTES = SECURITY_ATTRIBUTES*;
 
+// A registry key: a handle, or one of the predefined root keys below.
+struct HKEY__;
+using HKEY = HKEY__*;
+
 } // namespace win32
 } // namespace ovo
+
+// The root keys, as Windows defines them (macros there too).
+#  ifndef HKEY_CURRENT_USER
+#    define HKEY_CURRENT_USER (reinterpret_cast<::ovo::win32::HKEY>(static_cast<std::uintptr_t>(0x80000001u)))
+#    define HKEY_LOCAL_MACHINE (reinterpret_cast<::ovo::win32::HKEY>(static_cast<std::uintptr_t>(0x80000002u)))
+#  endif
 #endif
 
 #endif
