@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Runs every suite of ovosystem on a Debian 12 machine, installing what is missing first:
-#   linux   the test suite (with a PC/SC service and a virtual card), the example and
+#   linux   the test suite (with a PC/SC service and a virtual card), the ovo tool and
 #           the benchmarks built
 #   asan    the test suite under AddressSanitizer and UndefinedBehaviorSanitizer
 #   tsan    the test suite under ThreadSanitizer
@@ -10,8 +10,9 @@
 #   bench   every benchmark, briefly (figures and ratios only, no verdict)
 # Give suite names as arguments to run only those. Builds go to build/<suite>.
 set -uo pipefail
+source "$(dirname "$0")/lib/debian.sh"
 
-root=$(cd "$(dirname "$0")/.." && pwd)
+root=$ovoRoot
 builds=${OVO_BUILD_ROOT:-$root/build}
 jobs=${OVO_JOBS:-$(nproc)}
 fuzzSeconds=${OVO_FUZZ_SECONDS:-10}
@@ -23,19 +24,6 @@ packages=(cmake ninja-build g++ pkg-config util-linux googletest libgtest-dev li
           libpcsclite-dev pcscd pcsc-tools vsmartcard-vpcd vsmartcard-vpicc python3-pycryptodome)
 
 log() { printf '\n=== %s\n' "$*"; }
-
-installMissing() {
-    local missing=()
-    for package in "${packages[@]}"; do
-        dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing+=("$package")
-    done
-    [ ${#missing[@]} -eq 0 ] && return 0
-    log "installing ${missing[*]}"
-    local sudo=()
-    [ "$(id -u)" -eq 0 ] || sudo=(sudo)
-    "${sudo[@]}" apt-get update -q &&
-        DEBIAN_FRONTEND=noninteractive "${sudo[@]}" apt-get install -y -q "${missing[@]}"
-}
 
 passed=0
 failed=0
@@ -77,13 +65,13 @@ suite_linux() {
 
 suite_asan() {
     export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
-    configureAndBuild asan -DCMAKE_BUILD_TYPE=Debug -DOVO_SANITIZE=address,undefined -DOVO_BUILD_EXAMPLES=OFF &&
+    configureAndBuild asan -DCMAKE_BUILD_TYPE=Debug -DOVO_SANITIZE=address,undefined -DOVO_BUILD_TOOLS=OFF &&
         runTests asan
 }
 
 suite_tsan() {
     export TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1
-    configureAndBuild tsan -DCMAKE_BUILD_TYPE=Debug -DOVO_SANITIZE=thread -DOVO_BUILD_EXAMPLES=OFF &&
+    configureAndBuild tsan -DCMAKE_BUILD_TYPE=Debug -DOVO_SANITIZE=thread -DOVO_BUILD_TOOLS=OFF &&
         runTests tsan
 }
 
@@ -101,7 +89,7 @@ suite_win32() {
 
 suite_fuzz() {
     CC=clang CXX=clang++ configureAndBuild fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo -DOVO_BUILD_FUZZERS=ON \
-        -DOVO_BUILD_TESTS=OFF -DOVO_BUILD_EXAMPLES=OFF || return 1
+        -DOVO_BUILD_TESTS=OFF -DOVO_BUILD_TOOLS=OFF || return 1
     local status=0
     for fuzzer in "$builds"/fuzz/bin/*_fuzz; do
         local name corpus
@@ -131,30 +119,14 @@ suite_bench() {
 
 # The PC/SC service with the virtual reader driver, on loopback, for the smart-card tests
 # (the tests start and stop the virtual card themselves). Started here unless one runs
-# already, and stopped by its process id when the script ends.
-pcscdPid=
-virtualReaderListed() { timeout 5 pcsc_scan -r 2>/dev/null | grep -q 'Virtual PCD 00 00'; }
+# already, and stopped when the script ends.
 startPcscd() {
-    virtualReaderListed && return 0
-    local sudo=()
-    [ "$(id -u)" -eq 0 ] || sudo=(sudo)
-    "${sudo[@]}" pcscd -f -a >"$builds/pcscd.log" 2>&1 &
-    pcscdPid=$!
-    for _ in $(seq 20); do
-        virtualReaderListed && return 0
-        sleep 0.5
-    done
-    echo "pcscd shows no virtual reader; the smart-card service tests will skip (see $builds/pcscd.log)"
+    ovoStartPcscd "$builds/pcscd.log" ||
+        echo "pcscd shows no virtual reader; the smart-card service tests will skip (see $builds/pcscd.log)"
 }
-stopPcscd() {
-    if [ -n "$pcscdPid" ]; then
-        kill "$pcscdPid" 2>/dev/null
-        wait "$pcscdPid" 2>/dev/null
-    fi
-}
-trap stopPcscd EXIT
+trap ovoStopPcscd EXIT
 
-installMissing || { echo "could not install the packages the suites need"; exit 1; }
+ovoInstallMissing "${packages[@]}" || { echo "could not install the packages the suites need"; exit 1; }
 mkdir -p "$builds"
 startPcscd
 start=$SECONDS

@@ -6,6 +6,7 @@
 #include <ovo/logger/logger.h>
 
 #include "support/recording_channel.h"
+#include "support/virtual_card.h"
 
 #include <gtest/gtest.h>
 
@@ -26,53 +27,10 @@ using Bytes = std::vector<unsigned char>;
 
 namespace {
 
-const char* const readerName = "Virtual PCD 00 00";
-
-bool readerListed()
-{
-    const std::vector<std::string> readers = enumeratePCSCDevices();
-    return std::find(readers.begin(), readers.end(), readerName) != readers.end();
-}
-
-bool waitForCard(bool present, std::chrono::seconds limit)
-{
-    pcsc reader(readerName);
-    const auto end = std::chrono::steady_clock::now() + limit;
-    while (reader.isCardPresented() != present) {
-        if (std::chrono::steady_clock::now() > end)
-            return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    }
-    return true;
-}
-
-// The virtual card: a vicc process connected to the virtual reader.
-class VirtualCard {
-public:
-    VirtualCard()
-    {
-        pid_ = ::fork();
-        if (pid_ == 0) {
-            const std::string path = std::string(OVO_VICC_SHIM) + ":/usr/lib/python3/site-packages/virtualsmartcard";
-            ::setenv("PYTHONPATH", path.c_str(), 1);
-            ::execl("/usr/bin/python3", "python3", "/usr/bin/vicc", "-t", "iso7816", static_cast<char*>(nullptr));
-            ::_exit(127);
-        }
-    }
-    ~VirtualCard() { stop(); }
-
-    void stop()
-    {
-        if (pid_ <= 0)
-            return;
-        ::kill(pid_, SIGTERM);
-        ::waitpid(pid_, nullptr, 0);
-        pid_ = -1;
-    }
-
-private:
-    pid_t pid_ = -1;
-};
+using ovo_test::readerListed;
+using ovo_test::readerName;
+using ovo_test::VirtualCard;
+using ovo_test::waitForCard;
 
 class PcscService : public testing::Test {
 protected:

@@ -1,0 +1,72 @@
+// The virtual ISO 7816 card of the smart-card tests: a vicc process in the virtual reader
+// of a PC/SC service (pcscd with the virtual reader driver, started by scripts/test.sh).
+// Needs OVO_VICC_SHIM, the directory of the Crypto module that vicc needs on Debian 12.
+#ifndef OVO_TESTS_SUPPORT_VIRTUAL_CARD_H
+#define OVO_TESTS_SUPPORT_VIRTUAL_CARD_H
+
+#include <ovo/io/enumeration.h>
+#include <ovo/io/pcsc.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <string>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+namespace ovo_test {
+
+inline const char* const readerName = "Virtual PCD 00 00";
+
+inline bool readerListed()
+{
+    const std::vector<std::string> readers = ovo::io::enumeratePCSCDevices();
+    return std::find(readers.begin(), readers.end(), readerName) != readers.end();
+}
+
+inline bool waitForCard(bool present, std::chrono::seconds limit)
+{
+    ovo::io::pcsc reader(readerName);
+    const auto end = std::chrono::steady_clock::now() + limit;
+    while (reader.isCardPresented() != present) {
+        if (std::chrono::steady_clock::now() > end)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+    return true;
+}
+
+// The virtual card: a vicc process connected to the virtual reader.
+class VirtualCard {
+public:
+    VirtualCard()
+    {
+        pid_ = ::fork();
+        if (pid_ == 0) {
+            const std::string path = std::string(OVO_VICC_SHIM) + ":/usr/lib/python3/site-packages/virtualsmartcard";
+            ::setenv("PYTHONPATH", path.c_str(), 1);
+            ::execl("/usr/bin/python3", "python3", "/usr/bin/vicc", "-t", "iso7816", static_cast<char*>(nullptr));
+            ::_exit(127);
+        }
+    }
+    ~VirtualCard() { stop(); }
+
+    void stop()
+    {
+        if (pid_ <= 0)
+            return;
+        ::kill(pid_, SIGTERM);
+        ::waitpid(pid_, nullptr, 0);
+        pid_ = -1;
+    }
+
+private:
+    pid_t pid_ = -1;
+};
+
+} // namespace ovo_test
+
+#endif
