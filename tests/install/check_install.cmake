@@ -1,5 +1,6 @@
 # Installs the build into a fresh prefix, then builds and runs a small client against
-# it twice: once with find_package(ovosystem), once with the flags of pkg-config.
+# it twice: once with find_package(ovosystem), once with the flags of pkg-config. The
+# installed ovo tool (when built) must run from the prefix as it stands.
 function(run)
     execute_process(COMMAND ${ARGN} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
     if(NOT rc EQUAL 0)
@@ -33,3 +34,15 @@ run(${CXX} -std=c++17 ${CLIENT_DIR}/main.cpp ${flags} -o ${WORK_DIR}/pkg-config-
 get_filename_component(libDir "${pcDir}" DIRECTORY)
 run(${CMAKE_COMMAND} -E env LD_LIBRARY_PATH=${libDir} ${WORK_DIR}/pkg-config-client)
 expect_client_output("${output}")
+
+if(EXPECT_TOOL)
+    run(${prefix}/bin/ovo --help)
+    if(NOT output MATCHES "^usage: ovo SUBCOMMAND")
+        message(FATAL_ERROR "unexpected help of the installed tool: [${output}]")
+    endif()
+    file(WRITE ${WORK_DIR}/bytes "ATR")
+    run(${prefix}/bin/ovo hexdump ${WORK_DIR}/bytes)
+    if(NOT output MATCHES "^00000000  41 54 52 ")
+        message(FATAL_ERROR "unexpected dump of the installed tool: [${output}]")
+    endif()
+endif()

@@ -1,0 +1,229 @@
+// The ovo tool as a user runs it: its words, its output and its exit status, against
+// files, a pseudo-terminal pair, a real message channel and the virtual card.
+#include "support/process.h"
+#include "support/temp_dir.h"
+#include "support/virtual_card.h"
+
+#include <ovo/ipc/message_channel.h>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <fcntl.h>
+#include <fstream>
+#include <pty.h>
+#include <termios.h>
+#include <unistd.h>
+
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+
+struct ToolRun {
+    int status;
+    std::string out;
+    std::string err;
+};
+
+class OvoToolTest : public ::testing::Test {
+protected:
+    ToolRun ovo(const std::vector<std::string>& args)
+    {
+        std::string command = "\"" + ovo_test::siblingProgram("ovo") + "\"";
+        for (const std::string& arg : args)
+            command += " '" + arg + "'";
+        const std::string out = (dir_.path() / "out").string(), err = (dir_.path() / "err").string();
+        const int status = std::system((command + " >" + out + " 2>" + err + " </dev/null").c_str());
+        return ToolRun{WIFEXITED(status) ? WEXITSTATUS(status) : -1, ovo_test::readFile(out), ovo_test::readFile(err)};
+    }
+
+    std::string path(const std::string& name) const { return (dir_.path() / name).string(); }
+
+    ovo_test::TempDir dir_;
+};
+
+bool oneLine(const std::string& text) { return !text.empty() && text.find('\n') == text.size() - 1; }
+
+TEST_F(OvoToolTest, HelpNamesEverySubcommandAndEachHasItsOwn)
+{
+    const ToolRun help = ovo({"--help"});
+    EXPECT_EQ(help.status, 0);
+    for (const char* name : {"readers", "apdu", "serial", "channel", "hexdump", "demo"}) {
+        EXPECT_NE(help.out.find(std::string("  ") + name), std::string::npos) << name;
+        const ToolRun own = ovo({name, "--help"});
+        EXPECT_EQ(own.status, 0) << name;
+        EXPECT_EQ(own.out.rfind(std::string("usage: ovo ") + name, 0), 0u) << own.out;
+        EXPECT_NE(own.out.find("--log-level=N"), std::string::npos) << name;
+    }
+    EXPECT_EQ(ovo({}).status, 2);
+}
+
+TEST_F(OvoToolTest, MistakesInTheWordsGiveOneLineAndStatus2)
+{
+    const struct {
+        std::vector<std::string> args;
+        const char* message;
+    } cases[] = {
+        {{"bogus"}, "ovo: unknown subcommand 'bogus'; see ovo --help\n"},
+        {{"apdu", "0G"}, "ovo apdu: bad hex '0G': invalid hex char 'G'\n"},
+        {{"apdu", "00 A4 0"}, "ovo apdu: bad hex '00 A4 0': two digits a byte\n"},
+        {{"apdu", "00A4"}, "ovo apdu: a command unit has at least 4 bytes (CLA INS P1 P2): '00A4'\n"},
+        {{"apdu", "--bogus", "00A40000"}, "ovo apdu: unknown option '--bogus'\n"},
+        {{"apdu"}, "ovo apdu: ovo apdu needs at least one command unit in hex; see ovo apdu --help\n"},
+        {{"readers", "--log-level=x"}, "ovo readers: --log-level takes a decimal number, not 'x'\n"},
+        {{"serial", "send", "01"}, "ovo serial: --port needs device=NAME; see ovo serial --help\n"},
+        {{"serial", "--port=device=ttyS0", "recv", "many"}, "ovo serial: recv takes a number of bytes, not 'many'\n"},
+        {{"serial", "--port=device=ttyS0", "listen"}, "ovo serial: ovo serial needs send HEX, recv N or monitor; see ovo serial --help\n"},
+        {{"channel", "c", "send", "0", "01"}, "ovo channel: a message identifier is 1 or more (0 means any when receiving)\n"},
+        {{"channel", "c", "recv", "x"}, "ovo channel: a message identifier is a number, not 'x'\n"},
+        {{"channel", "c", "--size=100", "count"}, "ovo channel: --size must be at least 4113\n"},
+        {{"hexdump", "a", "b"}, "ovo hexdump: ovo hexdump takes one file at most; see ovo hexdump --help\n"},
+    };
+    for (const auto& c : cases) {
+        const ToolRun run = ovo(c.args);
+        EXPECT_EQ(run.status, 2) << c.message;
+        EXPECT_EQ(run.err, c.message);
+        EXPECT_EQ(run.out, "");
+    }
+}
+
+TEST_F(OvoToolTest, FailuresGiveOneLineAndStatus1)
+{
+    const ToolRun missing = ovo({"hexdump", path("missing")});
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_EQ(missing.err, "ovo hexdump: cannot open '" + path("missing") + "': No such file or directory\n");
+    const ToolRun noPort = ovo({"serial", "--port=device=ttyOVO_NONE", "send", "01"});
+    EXPECT_EQ(noPort.status, 1);
+    EXPECT_TRUE(oneLine(noPort.err.substr(noPort.err.find("ovo serial:")))) << noPort.err;
+    EXPECT_NE(noPort.err.find("ovo serial: can't open 'ttyOVO_NONE'. error = 2"), std::string::npos) << noPort.err;
+}
+
+TEST_F(OvoToolTest, HexdumpShowsOffsetsHexAndText)
+{
+    std::ofstream(path("data"), std::ios::binary) << "ABCDEFGHIJKLMNOP\x01\x02Z";
+    const ToolRun run = ovo({"hexdump", path("data")});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.out, "00000000  41 42 43 44 45 46 47 48 49 4A 4B 4C 4D 4E 4F 50 | ABCDEFGHIJKLMNOP\n"
+                       "00000010  01 02 5A                                        | ..Z             \n");
+}
+
+TEST_F(OvoToolTest, ChannelMessagesGoBothWays)
+{
+    const std::string name = "ovotool-" + std::to_string(getpid());
+    ovo::ipc::MessageChannel channel(name, 65536); // the channel lives while this object does
+    ToolRun run = ovo({"channel", name, "send", "7", "01 02 FF"});
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.out, "sent 3 bytes with identifier 7\n");
+    EXPECT_EQ(ovo({"channel", name, "send", "8", "--text=card in"}).status, 0);
+    EXPECT_EQ(ovo({"channel", name, "count"}).out, "2\n");
+    Bytes body;
+    ASSERT_TRUE(channel.recv(7, body));
+    EXPECT_EQ(body, (Bytes{1, 2, 0xFF}));
+    ASSERT_TRUE(channel.recv(8, body));
+    EXPECT_EQ(std::string(body.begin(), body.end()), "card in");
+
+    char hi[] = "hi";
+    ASSERT_TRUE(channel.send(9, hi, 2));
+    run = ovo({"channel", name, "recv", "9"});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.out, "68 69  \"hi\"\n");
+    run = ovo({"channel", name, "recv"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err, "ovo: no message\n");
+}
+
+TEST_F(OvoToolTest, SerialSendsAndReceivesOverAPseudoTerminal)
+{
+    int device = -1, port = -1;
+    char name[256] = {};
+    ASSERT_EQ(openpty(&device, &port, name, nullptr, nullptr), 0);
+    termios raw;
+    tcgetattr(port, &raw);
+    cfmakeraw(&raw);
+    tcsetattr(port, TCSANOW, &raw);
+    const std::string settings = std::string("--port=device=") + name + ";baud=9600";
+
+    ToolRun run = ovo({"serial", settings, "send", "41 42 43"});
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.out, "sent 3 of 3 bytes\n");
+    char got[3] = {};
+    ASSERT_EQ(read(device, got, 3), 3);
+    EXPECT_EQ(std::string(got, 3), "ABC");
+
+    ASSERT_EQ(write(device, "\x01\x02", 2), 2);
+    run = ovo({"serial", settings, "--timeout=2000", "recv", "2"});
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.out, "01 02\n");
+
+    ASSERT_EQ(write(device, "\x05", 1), 1);
+    const auto start = std::chrono::steady_clock::now();
+    run = ovo({"serial", settings, "--timeout=300", "recv", "2"});
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(250));
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.out, "05\n");
+    EXPECT_EQ(run.err.substr(run.err.find("ovo:")), "ovo: received 1 of 2 bytes\n");
+    close(device);
+    close(port);
+}
+
+// The card tests need pcscd with the virtual reader; the virtual card is started here.
+class OvoToolCardTest : public OvoToolTest {
+protected:
+    static void SetUpTestSuite()
+    {
+        if (ovo_test::readerListed()) {
+            card = new ovo_test::VirtualCard;
+            cardReady = ovo_test::waitForCard(true, std::chrono::seconds(15));
+        }
+    }
+    static void TearDownTestSuite()
+    {
+        delete card;
+        card = nullptr;
+    }
+    void SetUp() override
+    {
+        if (!ovo_test::readerListed())
+            GTEST_SKIP() << "needs pcscd with the virtual reader (scripts/test.sh starts it)";
+        ASSERT_TRUE(cardReady);
+    }
+
+    static ovo_test::VirtualCard* card;
+    static bool cardReady;
+};
+ovo_test::VirtualCard* OvoToolCardTest::card = nullptr;
+bool OvoToolCardTest::cardReady = false;
+
+TEST_F(OvoToolCardTest, ReadersShowTheCardAndItsAtr)
+{
+    const ToolRun run = ovo({"readers"});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.out.rfind("Virtual PCD 00 00: card, ATR 3B ", 0), 0u) << run.out;
+}
+
+TEST_F(OvoToolCardTest, ApduPrintsResponsesAndSucceedsOnlyWhenAllDo)
+{
+    ToolRun run = ovo({"apdu", "00 A4 00 0C 02 3F 00"});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.out, "-> 00 A4 00 0C 02 3F 00\n<- 90 00  9000: success\n");
+    run = ovo({"apdu", "--reader=Virtual PCD 00 00", "00A4000C023F00", "00B0000010", "00A4000C021234"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_NE(run.out.find("<- 69 86  6986: command not allowed (no current EF)\n"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("<- 6A 82  6A82: file or application not found\n"), std::string::npos) << run.out;
+    run = ovo({"apdu", "--reader=Nowhere", "00A4000C023F00"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err.rfind("ovo apdu: no reader 'Nowhere'; the readers are 'Virtual PCD 00 00'", 0), 0u) << run.err;
+}
+
+TEST_F(OvoToolCardTest, TheDemoRunsEveryPartAndSaysWhereTheLogIs)
+{
+    const ToolRun run = ovo({"demo", "--log-dir=" + path("")});
+    EXPECT_EQ(run.status, 0) << run.out << run.err;
+    EXPECT_NE(run.out.find("card: ok, channel: ok, serial: ok"), std::string::npos) << run.out;
+    const std::string logLine = run.out.substr(run.out.find("the log file is ") + 16);
+    const std::string log = ovo_test::readFile(logLine.substr(0, logLine.find('\n')));
+    EXPECT_EQ(log.rfind("# ovo tool log\n", 0), 0u);
+    EXPECT_NE(log.find("-> 00 A4 00 0C 02 3F 00"), std::string::npos);
+}
+
+} // namespace

@@ -1,0 +1,113 @@
+// ovo channel: messages of a message channel that other processes hold.
+#include "tool.h"
+
+#include <ovo/ipc/message_channel.h>
+#include <ovo/number_parser.h>
+#include <ovo/strings.h>
+
+#include <chrono>
+#include <iostream>
+#include <thread>
+
+namespace ovo_tool {
+namespace {
+
+const char channelHelp[] =
+    "usage: ovo channel NAME [--size=BYTES] [OPTIONS] send ID HEX | send ID --text=TEXT |\n"
+    "                                                 recv [ID] | watch | count\n"
+    "A channel lives while some process holds it: run these beside the processes that use\n"
+    "it (or beside `ovo channel NAME watch`). --size must not exceed the size its creator\n"
+    "gave (default 65536).\n"
+    "  send ID HEX    queues a message with the identifier ID (1 or more)\n"
+    "  recv [ID]      takes the oldest message of ID (of any without ID) and prints it;\n"
+    "                 exit status 1 when there is none\n"
+    "  watch          takes and prints every message as it comes, until interrupted\n"
+    "  count          prints the number of messages queued\n"
+    "examples: ovo channel reader-events send 7 '01 3B'\n"
+    "          ovo channel reader-events send 7 --text='card inserted'\n"
+    "          ovo channel reader-events recv 7\n";
+
+unsigned int identifier(const std::string& text)
+{
+    try {
+        return ovo::NumberParser::parseUInt32(text);
+    } catch (const std::exception&) {
+        throw UsageError("a message identifier is a number, not '" + text + "'");
+    }
+}
+
+// The body as hex, and as text too when it is all printable.
+std::string shown(const Bytes& body)
+{
+    if (body.empty())
+        return "(empty)";
+    bool printable = true;
+    for (unsigned char c : body)
+        printable = printable && c >= 0x20 && c < 0x7F;
+    return hex(body) + (printable ? "  \"" + std::string(body.begin(), body.end()) + "\"" : std::string());
+}
+
+} // namespace
+
+int channelCommand(const std::vector<std::string>& args)
+{
+    CommandLine line;
+    std::string text;
+    bool textGiven = false;
+    long size = 65536;
+    line.addText("text", "the body of a message to send, as text", text, &textGiven);
+    line.addNumber("size", "the channel's size in bytes (default 65536)", size);
+    line.parse(args);
+    if (line.printedHelp(channelHelp))
+        return 0;
+    const std::vector<std::string>& words = line.words();
+    const std::string action = words.size() > 1 ? words[1] : std::string();
+    const std::size_t count = words.size();
+    const bool known = (action == "send" && count == (textGiven ? 3u : 4u)) || (action == "recv" && count <= 3) ||
+                       ((action == "watch" || action == "count") && count == 2);
+    if (!known)
+        throw UsageError("ovo channel needs NAME and send, recv, watch or count; see ovo channel --help");
+    if (size < static_cast<long>(ovo::ipc::MessageChannel::minimumSize))
+        throw UsageError(ovo::format("--size must be at least %u", ovo::ipc::MessageChannel::minimumSize));
+    const unsigned int id = count > 2 ? identifier(words[2]) : 0;
+    Bytes body = action != "send" ? Bytes() : textGiven ? Bytes(text.begin(), text.end()) : parseHex(words[3]);
+    if (action == "send" && id == 0)
+        throw UsageError("a message identifier is 1 or more (0 means any when receiving)");
+    ovo::logger::ILogger& log = setUpLogging(line, "ovo.channel");
+    std::unique_ptr<ovo::ipc::MessageChannel> channel;
+    try {
+        channel.reset(new ovo::ipc::MessageChannel(words[0], static_cast<unsigned int>(size)));
+    } catch (const std::exception& error) {
+        throw Failure(error.what());
+    }
+    if (action == "send") {
+        if (!channel->send(id, body.data(), static_cast<unsigned int>(body.size())))
+            throw Failure("the channel is full (256 messages, or no room for the body)");
+        log.traceHex(ovo::format("sent %u:", id), body.data(), static_cast<unsigned int>(body.size()));
+        std::cout << "sent " << body.size() << " bytes with identifier " << id << '\n';
+        return 0;
+    }
+    if (action == "count") {
+        std::cout << channel->inQueue() << '\n';
+        return 0;
+    }
+    if (action == "recv") {
+        if (!channel->recv(id, body)) {
+            std::cerr << "ovo: no message" << (id != 0 ? ovo::format(" with identifier %u", id) : std::string()) << '\n';
+            return 1;
+        }
+        std::cout << shown(body) << '\n';
+        return 0;
+    }
+    watchInterrupts();
+    log.info("watching '" + words[0] + "' until interrupted");
+    while (!interrupted()) {
+        if (channel->recv(0, body))
+            std::cout << shown(body) << std::endl;
+        else
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    return 0;
+}
+
+} // namespace ovo_tool
