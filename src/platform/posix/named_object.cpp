@@ -142,6 +142,70 @@ ProcessObjects& processObjects()
     return *objects;
 }
 
+// Opens the file that the name stands for now, with the guard byte held; a file that its
+// last holder removed meanwhile is passed over. -1 with the last error set on failure.
+int openGuarded(const std::string& path, bool create, unsigned mode, struct stat& opened)
+{
+    for (;;) {
+        const int fd = ::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | (create ? O_CREAT : 0), mode);
+        if (fd < 0) {
+            setLastErrorFromErrno(errno);
+            return -1;
+        }
+        if (!lockByte(fd, guardByte, F_WRLCK, true)) {
+            setLastErrorFromErrno(errno);
+            close(fd);
+            return -1;
+        }
+        struct stat named;
+        if (fstat(fd, &opened) == 0 && opened.st_nlink > 0 && stat(path.c_str(), &named) == 0 &&
+            named.st_ino == opened.st_ino && named.st_dev == opened.st_dev)
+            return fd;
+        close(fd);
+    }
+}
+
+// The header of an object that others hold, when it is of the kind and grants the access.
+void* joined(int fd, const struct stat& opened, ObjectKind kind, DWORD desiredAccess)
+{
+    if (static_cast<std::size_t>(opened.st_size) < pageSize()) {
+        SetLastError(ERROR_INVALID_HANDLE); // not one of ours
+        return nullptr;
+    }
+    void* header = mmap(nullptr, pageSize(), PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
+    if (header == MAP_FAILED) {
+        setLastErrorFromErrno(errno);
+        return nullptr;
+    }
+    const DWORD refused = refusal(*static_cast<const Header*>(header), kind, desiredAccess);
+    if (refused == ERROR_SUCCESS)
+        return header;
+    munmap(header, pageSize());
+    SetLastError(refused);
+    return nullptr;
+}
+
+// A new object in the file (new, or left by holders that all died): zeroed, sized, its
+// header and state written before anybody else can see it.
+void* startedFresh(int fd, const std::string& path, ObjectKind kind, const ObjectAccess& access,
+                   std::uint64_t dataSize, NamedObject::Initializer initialize)
+{
+    void* header = MAP_FAILED;
+    if (ftruncate(fd, 0) == 0 && ftruncate(fd, static_cast<off_t>(pageSize() + dataSize)) == 0)
+        header = mmap(nullptr, pageSize(), PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
+    if (header == MAP_FAILED) {
+        setLastErrorFromErrno(errno);
+        unlink(path.c_str());
+        return nullptr;
+    }
+    fchmod(fd, access.fileMode()); // the mode asked for, whatever the umask
+    *static_cast<Header*>(header) = Header{magic, static_cast<std::uint32_t>(kind), access.listed, access.everyone,
+                                           access.administrators, 0, dataSize};
+    if (initialize != nullptr)
+        initialize(static_cast<char*>(header) + stateOffset);
+    return header;
+}
+
 } // namespace
 
 std::string objectPath(const char* name, DWORD& error)
@@ -192,70 +256,35 @@ std::shared_ptr<NamedObject> NamedObject::acquire(ObjectKind kind, const char* n
     if (path.empty())
         return fail(-1, error);
     const ObjectAccess access = ObjectAccess::of(security);
-    for (;;) {
-        const int fd = ::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | (create ? O_CREAT : 0), access.fileMode());
-        if (fd < 0)
-            return fail(-1, setLastErrorFromErrno(errno));
-        if (!lockByte(fd, guardByte, F_WRLCK, true))
-            return fail(fd, setLastErrorFromErrno(errno));
-        struct stat opened, named;
-        if (fstat(fd, &opened) != 0 || opened.st_nlink == 0 || stat(path.c_str(), &named) != 0 ||
-            named.st_ino != opened.st_ino || named.st_dev != opened.st_dev) {
-            close(fd); // its last holder removed it meanwhile: start again with the name
-            continue;
-        }
-        const ProcessObjects::Key key(opened.st_dev, opened.st_ino);
-        if (std::shared_ptr<NamedObject> held = processObjects().find(key)) {
-            close(fd);
-            const DWORD refused = refusal(*static_cast<const Header*>(held->header_), kind, desiredAccess);
-            if (refused != ERROR_SUCCESS)
-                return fail(-1, refused);
-            existed = true;
-            SetLastError(ERROR_ALREADY_EXISTS);
-            return held;
-        }
-        const bool live = !lockByte(fd, livenessByte, F_WRLCK, false);
-        if (!live && !create) {
-            unlink(path.c_str()); // left behind by holders that died
-            return fail(fd, ERROR_FILE_NOT_FOUND);
-        }
-        const std::size_t headerSize = pageSize();
-        if (!live && (ftruncate(fd, 0) != 0 || ftruncate(fd, static_cast<off_t>(headerSize + dataSize)) != 0)) {
-            const DWORD truncateError = setLastErrorFromErrno(errno);
-            unlink(path.c_str());
-            return fail(fd, truncateError);
-        }
-        if (live && static_cast<std::size_t>(opened.st_size) < headerSize)
-            return fail(fd, ERROR_INVALID_HANDLE); // not one of ours
-        void* mapped = mmap(nullptr, headerSize, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
-        if (mapped == MAP_FAILED) {
-            const DWORD mapError = setLastErrorFromErrno(errno);
-            if (!live)
-                unlink(path.c_str());
-            return fail(fd, mapError);
-        }
-        auto* header = static_cast<Header*>(mapped);
-        if (live) {
-            const DWORD refused = refusal(*header, kind, desiredAccess);
-            if (refused != ERROR_SUCCESS) {
-                munmap(mapped, headerSize);
-                return fail(fd, refused);
-            }
-        } else {
-            fchmod(fd, access.fileMode()); // the mode asked for, whatever the umask
-            *header = Header{magic, static_cast<std::uint32_t>(kind), access.listed, access.everyone,
-                             access.administrators, 0, dataSize};
-            if (initialize != nullptr)
-                initialize(static_cast<char*>(mapped) + stateOffset);
-        }
-        lockByte(fd, livenessByte, F_RDLCK, false); // compatible with the other holders
-        lockByte(fd, guardByte, F_UNLCK, false);
-        std::shared_ptr<NamedObject> object(new NamedObject(fd, path, mapped));
-        processObjects().add(key, object);
-        existed = live;
-        SetLastError(live ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
-        return object;
+    struct stat opened;
+    const int fd = openGuarded(path, create, access.fileMode(), opened);
+    if (fd < 0)
+        return nullptr;
+    const ProcessObjects::Key key(opened.st_dev, opened.st_ino);
+    if (std::shared_ptr<NamedObject> held = processObjects().find(key)) {
+        close(fd); // this process holds the object already: one more handle on it
+        const DWORD refused = refusal(*static_cast<const Header*>(held->header_), kind, desiredAccess);
+        if (refused != ERROR_SUCCESS)
+            return fail(-1, refused);
+        existed = true;
+        SetLastError(ERROR_ALREADY_EXISTS);
+        return held;
     }
+    existed = !lockByte(fd, livenessByte, F_WRLCK, false); // someone holds it
+    if (!existed && !create) {
+        unlink(path.c_str()); // left behind by holders that died
+        return fail(fd, ERROR_FILE_NOT_FOUND);
+    }
+    void* const header = existed ? joined(fd, opened, kind, desiredAccess)
+                                 : startedFresh(fd, path, kind, access, dataSize, initialize);
+    if (header == nullptr)
+        return fail(fd, GetLastError());
+    lockByte(fd, livenessByte, F_RDLCK, false); // compatible with the other holders
+    lockByte(fd, guardByte, F_UNLCK, false);
+    std::shared_ptr<NamedObject> object(new NamedObject(fd, path, header));
+    processObjects().add(key, object);
+    SetLastError(existed ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
+    return object;
 }
 
 NamedObject::~NamedObject()
