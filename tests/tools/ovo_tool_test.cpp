@@ -48,7 +48,7 @@ TEST_F(OvoToolTest, HelpNamesEverySubcommandAndEachHasItsOwn)
 {
     const ToolRun help = ovo({"--help"});
     EXPECT_EQ(help.status, 0);
-    for (const char* name : {"readers", "apdu", "serial", "channel", "hexdump", "demo"}) {
+    for (const char* name : {"readers", "apdu", "serial", "channel", "hexdump", "script", "demo"}) {
         EXPECT_NE(help.out.find(std::string("  ") + name), std::string::npos) << name;
         const ToolRun own = ovo({name, "--help"});
         EXPECT_EQ(own.status, 0) << name;
@@ -105,6 +105,22 @@ TEST_F(OvoToolTest, HexdumpShowsOffsetsHexAndText)
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.out, "00000000  41 42 43 44 45 46 47 48 49 4A 4B 4C 4D 4E 4F 50 | ABCDEFGHIJKLMNOP\n"
                        "00000010  01 02 5A                                        | ..Z             \n");
+}
+
+TEST_F(OvoToolTest, AScriptRunsItsLinesUntilOneFails)
+{
+    std::ofstream(path("a"), std::ios::binary) << "A";
+    std::ofstream(path("script")) << "# two dumps\n\nhexdump  \"" << path("a") << "\"\r\nhexdump " << path("a")
+                                  << "\napdu 0G\nhexdump " << path("a") << "\n";
+    const ToolRun run = ovo({"script", path("script")});
+    EXPECT_EQ(run.status, 2);
+    const std::string dump = "00000000  41                                              | A               \n";
+    EXPECT_EQ(run.out, dump + dump); // the line after the failing one does not run
+    EXPECT_NE(run.err.find("ovo apdu: bad hex '0G': invalid hex char 'G'\novo script: line 5 ended with status 2\n"),
+              std::string::npos)
+        << run.err;
+    std::ofstream(path("nested")) << "script " << path("script") << "\n";
+    EXPECT_EQ(ovo({"script", path("nested")}).status, 2);
 }
 
 TEST_F(OvoToolTest, ChannelMessagesGoBothWays)

@@ -18,6 +18,7 @@ const Subcommand subcommands[] = {
     {"serial", ovo_tool::serialCommand, "send, receive or monitor bytes on a serial device"},
     {"channel", ovo_tool::channelCommand, "send, receive, watch or count messages of a channel"},
     {"hexdump", ovo_tool::hexdumpCommand, "show a file or standard input as hex and text"},
+    {"script", ovo_tool::scriptCommand, "run ovo command lines from a file or standard input"},
     {"demo", ovo_tool::demoCommand, "run a card command, a channel and a serial exchange for real"},
 };
 
@@ -32,15 +33,17 @@ int usage(std::ostream& out)
            "examples: ovo readers\n"
            "          ovo apdu '00 A4 00 0C 02 3F 00'\n"
            "          ovo serial --port='device=ttyUSB0;baud=9600' recv 4\n"
-           "          ovo channel reader-events watch\n";
+           "          ovo channel reader-events watch\n"
+           "          ovo script personalise.ovo\n";
     return 0;
 }
 
 } // namespace
 
-int main(int argc, char** argv)
+namespace ovo_tool {
+
+int runCommandLine(const std::vector<std::string>& words)
 {
-    const std::vector<std::string> words(argv + 1, argv + argc);
     if (words.empty() || words[0] == "--help" || words[0] == "-h" || words[0] == "help")
         return words.empty() ? (usage(std::cerr), 2) : usage(std::cout);
     for (const Subcommand& subcommand : subcommands) {
@@ -48,7 +51,7 @@ int main(int argc, char** argv)
             continue;
         try {
             return subcommand.run(std::vector<std::string>(words.begin() + 1, words.end()));
-        } catch (const ovo_tool::UsageError& error) {
+        } catch (const UsageError& error) {
             std::cerr << "ovo " << subcommand.name << ": " << error.what() << '\n';
             return 2;
         } catch (const std::exception& error) {
@@ -58,4 +61,11 @@ int main(int argc, char** argv)
     }
     std::cerr << "ovo: unknown subcommand '" << words[0] << "'; see ovo --help\n";
     return 2;
+}
+
+} // namespace ovo_tool
+
+int main(int argc, char** argv)
+{
+    return ovo_tool::runCommandLine(std::vector<std::string>(argv + 1, argv + argc));
 }

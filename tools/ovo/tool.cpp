@@ -17,6 +17,13 @@ namespace ovo_tool {
 ovo::logger::ILogger& setUpLogging(const CommandLine& line, const std::string& name)
 {
     using namespace ovo::logger;
+    static bool rootAdded = false;
+    if (rootAdded) {
+        ILogger& logger = get(name);
+        logger.setLevel(line.logLevel());
+        return logger;
+    }
+    rootAdded = true;
     auto console = std::make_shared<ConsoleLogChannel>();
     console->setFormatter(std::make_shared<ConsoleFormatter>());
     std::shared_ptr<ILogChannel> root = console;

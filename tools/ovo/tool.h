@@ -20,10 +20,14 @@ int apduCommand(const std::vector<std::string>& args);
 int serialCommand(const std::vector<std::string>& args);
 int channelCommand(const std::vector<std::string>& args);
 int hexdumpCommand(const std::vector<std::string>& args);
+int scriptCommand(const std::vector<std::string>& args);
 int demoCommand(const std::vector<std::string>& args);
+// One command line of the tool, the subcommand first; gives its exit status.
+int runCommandLine(const std::vector<std::string>& words);
 
 // The root channel: the console (standard error, ConsoleFormatter), and with a directory
-// also a daily file there (SimpleFormatter). Gives the logger of the subcommand.
+// also a daily file there (SimpleFormatter); set up once a process, by the first
+// subcommand that runs. Gives the logger of the subcommand, at the level of its line.
 ovo::logger::ILogger& setUpLogging(const CommandLine& line, const std::string& name);
 // The path of today's log file of the directory (empty without one).
 std::string logFilePath(const std::string& directory);
