@@ -11,9 +11,9 @@
 #include <mutex>
 #include <new>
 #include <pthread.h>
+#include <string>
 #include <sys/syscall.h>
 #include <unistd.h>
-#include <string>
 #include <vector>
 
 namespace {
@@ -54,9 +54,9 @@ public:
     ~MutexObject() override
     {
         if (object_.use_count() == 1 && ownedInThisProcess()) {
-            static std::mutex keptLock;
+            static auto* keptLock = new std::mutex; // never destroyed, as what it guards
             static auto* kept = new std::vector<std::shared_ptr<NamedObject>>;
-            std::lock_guard<std::mutex> guard(keptLock);
+            std::lock_guard<std::mutex> guard(*keptLock);
             kept->push_back(std::move(object_));
         }
     }
