@@ -1,4 +1,5 @@
 #include "platform/posix/comm.h"
+#include "platform/posix/system_calls.h"
 #include "platform/posix/file_object.h"
 #include "platform/posix/serial_speed.h"
 
@@ -116,7 +117,7 @@ BOOL SerialPort::read(void* buffer, DWORD size, DWORD& done)
 
     done = 0;
     while (done < size) {
-        const ssize_t count = ::read(descriptor, out + done, size - done);
+        const ssize_t count = sys::read(descriptor, out + done, size - done);
         if (count > 0) {
             done += static_cast<DWORD>(count);
             if (firstByteEnds)
@@ -154,7 +155,7 @@ BOOL SerialPort::write(const void* buffer, DWORD size, DWORD& done)
     const auto deadline = Clock::now() + Milliseconds(total < 0 ? 0 : total);
     done = 0;
     while (done < size) {
-        const ssize_t count = ::write(descriptor, data + done, size - done);
+        const ssize_t count = sys::write(descriptor, data + done, size - done);
         if (count > 0) {
             done += static_cast<DWORD>(count);
             continue;

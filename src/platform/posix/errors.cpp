@@ -33,6 +33,9 @@ DWORD fromErrno(int error)
     case ENOSPC:
     case EDQUOT:
         return ERROR_DISK_FULL;
+    case EMFILE:
+    case ENFILE:
+        return ERROR_TOO_MANY_OPEN_FILES;
     case ENAMETOOLONG:
         return ERROR_FILENAME_EXCED_RANGE;
     case EINVAL:

@@ -1,4 +1,5 @@
 #include "platform/posix/files.h"
+#include "platform/posix/system_calls.h"
 #include "platform/posix/file_object.h"
 
 #include <cerrno>
@@ -19,7 +20,7 @@ FileObject::~FileObject() { ::close(descriptor); }
 BOOL FileObject::read(void* buffer, DWORD size, DWORD& done)
 {
     for (;;) {
-        const ssize_t count = ::read(descriptor, buffer, size);
+        const ssize_t count = sys::read(descriptor, buffer, size);
         if (count >= 0) {
             done = static_cast<DWORD>(count);
             return TRUE;
@@ -35,7 +36,7 @@ BOOL FileObject::write(const void* buffer, DWORD size, DWORD& done)
 {
     const char* data = static_cast<const char*>(buffer);
     while (done < size) {
-        const ssize_t written = ::write(descriptor, data + done, size - done);
+        const ssize_t written = sys::write(descriptor, data + done, size - done);
         if (written < 0 && errno == EINTR)
             continue;
         if (written <= 0) {
@@ -101,6 +102,7 @@ int shareLock(DWORD desiredAccess, DWORD shareMode)
 using ovo::posix::FileObject;
 using ovo::posix::objectOf;
 using ovo::posix::setLastErrorFromErrno;
+namespace sys = ovo::posix::sys;
 
 HANDLE CreateFileA(LPCSTR fileName, DWORD desiredAccess, DWORD shareMode, LPSECURITY_ATTRIBUTES, DWORD disposition,
                    DWORD, HANDLE)
@@ -116,7 +118,7 @@ HANDLE CreateFileA(LPCSTR fileName, DWORD desiredAccess, DWORD shareMode, LPSECU
         flags = (flags & ~O_CREAT) | O_NOCTTY | O_NONBLOCK; // a device is never made here
     int descriptor;
     do
-        descriptor = ::open(path.c_str(), flags, 0666);
+        descriptor = sys::open(path.c_str(), flags, 0666);
     while (descriptor < 0 && errno == EINTR);
     if (descriptor < 0) {
         setLastErrorFromErrno(errno);

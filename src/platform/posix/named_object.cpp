@@ -1,4 +1,5 @@
 #include "platform/posix/named_object.h"
+#include "platform/posix/system_calls.h"
 
 #include "platform/posix/handle.h"
 
@@ -147,7 +148,7 @@ ProcessObjects& processObjects()
 int openGuarded(const std::string& path, bool create, unsigned mode, struct stat& opened)
 {
     for (;;) {
-        const int fd = ::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | (create ? O_CREAT : 0), mode);
+        const int fd = sys::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | (create ? O_CREAT : 0), mode);
         if (fd < 0) {
             setLastErrorFromErrno(errno);
             return -1;
@@ -191,7 +192,7 @@ void* startedFresh(int fd, const std::string& path, ObjectKind kind, const Objec
                    std::uint64_t dataSize, NamedObject::Initializer initialize)
 {
     void* header = MAP_FAILED;
-    if (ftruncate(fd, 0) == 0 && ftruncate(fd, static_cast<off_t>(pageSize() + dataSize)) == 0)
+    if (sys::ftruncate(fd, 0) == 0 && sys::ftruncate(fd, static_cast<off_t>(pageSize() + dataSize)) == 0)
         header = mmap(nullptr, pageSize(), PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
     if (header == MAP_FAILED) {
         setLastErrorFromErrno(errno);

@@ -1,4 +1,5 @@
 #include "platform/posix/registry_store.h"
+#include "platform/posix/system_calls.h"
 
 #include "platform/posix/handle.h"
 
@@ -20,6 +21,8 @@
 #include <vector>
 
 namespace {
+
+namespace sys = ovo::posix::sys;
 
 const char valuesFile[] = "%values";       // '%' followed by no hex digits: no key name encodes to it
 const char newValuesFile[] = "%values.new"; // the next values, complete before the rename
@@ -182,7 +185,7 @@ bool readAll(int fd, std::string& bytes)
 {
     char buffer[8192];
     for (;;) {
-        const ssize_t count = read(fd, buffer, sizeof buffer);
+        const ssize_t count = sys::read(fd, buffer, sizeof buffer);
         if (count < 0 && errno == EINTR)
             continue;
         if (count < 0)
@@ -196,9 +199,11 @@ bool readAll(int fd, std::string& bytes)
 bool writeAll(int fd, const std::string& bytes)
 {
     for (std::size_t done = 0; done < bytes.size();) {
-        const ssize_t count = write(fd, bytes.data() + done, bytes.size() - done);
+        const ssize_t count = sys::write(fd, bytes.data() + done, bytes.size() - done);
         if (count < 0 && errno == EINTR)
             continue;
+        if (count == 0)
+            errno = ENOSPC; // nothing written and no reason given: no room
         if (count <= 0)
             return false;
         done += static_cast<std::size_t>(count);
@@ -233,7 +238,7 @@ LONG readValues(const std::string& directory, std::vector<Value>& values)
     values.clear();
     if (!isDirectory(directory))
         return ERROR_FILE_NOT_FOUND; // the key itself is gone
-    const int fd = open((directory + "/" + valuesFile).c_str(), O_RDONLY | O_CLOEXEC);
+    const int fd = sys::open((directory + "/" + valuesFile).c_str(), O_RDONLY | O_CLOEXEC);
     if (fd < 0)
         return errno == ENOENT ? ERROR_SUCCESS : errorOf(errno);
     std::string bytes;
@@ -261,17 +266,17 @@ LONG writeValues(const std::string& directory, const std::vector<Value>& values,
         bytes += value.data;
     }
     const std::string next = directory + "/" + newValuesFile;
-    const int fd = open(next.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, machine ? 0644 : 0600);
+    const int fd = sys::open(next.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, machine ? 0644 : 0600);
     if (fd < 0)
         return errorOf(errno);
     const bool written = writeAll(fd, bytes);
     const int writeError = errno;
     close(fd);
-    if (!written)
-        return errorOf(writeError);
-    if (rename(next.c_str(), (directory + "/" + valuesFile).c_str()) != 0)
-        return errorOf(errno);
-    return ERROR_SUCCESS;
+    if (written && sys::rename(next.c_str(), (directory + "/" + valuesFile).c_str()) == 0)
+        return ERROR_SUCCESS;
+    const LONG failure = errorOf(written ? errno : writeError);
+    unlink(next.c_str()); // the old values stay as they were
+    return failure;
 }
 
 std::vector<Value>::iterator findValue(std::vector<Value>& values, LPCSTR name)
@@ -374,7 +379,7 @@ LONG RegFlushKey(HKEY handle)
             continue; // no values yet
         if (fd < 0)
             return errorOf(errno);
-        const bool synced = fsync(fd) == 0;
+        const bool synced = sys::fsync(fd) == 0;
         const int syncError = errno;
         close(fd);
         if (!synced)

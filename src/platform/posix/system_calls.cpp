@@ -1,0 +1,20 @@
+#include "platform/posix/system_calls.h"
+
+#include <cstdio>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace ovo {
+namespace posix {
+namespace sys {
+
+int open(const char* path, int flags, mode_t mode) { return ::open(path, flags, mode); }
+ssize_t read(int fd, void* buffer, size_t size) { return ::read(fd, buffer, size); }
+ssize_t write(int fd, const void* buffer, size_t size) { return ::write(fd, buffer, size); }
+int ftruncate(int fd, off_t size) { return ::ftruncate(fd, size); }
+int rename(const char* from, const char* to) { return ::rename(from, to); }
+int fsync(int fd) { return ::fsync(fd); }
+
+} // namespace sys
+} // namespace posix
+} // namespace ovo

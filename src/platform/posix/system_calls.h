@@ -1,0 +1,25 @@
+// The system calls of the POSIX layer whose failures it must survive (a full disk, an
+// interrupted call, an I/O error), under their own names in one namespace: the seam where
+// the layer's own tests link calls that fail on demand (tests/fakes/faulty_system_calls.cpp)
+// in place of the real ones (system_calls.cpp).
+#ifndef OVO_SRC_PLATFORM_POSIX_SYSTEM_CALLS_H
+#define OVO_SRC_PLATFORM_POSIX_SYSTEM_CALLS_H
+
+#include <sys/types.h>
+
+namespace ovo {
+namespace posix {
+namespace sys {
+
+int open(const char* path, int flags, mode_t mode = 0);
+ssize_t read(int fd, void* buffer, size_t size);
+ssize_t write(int fd, const void* buffer, size_t size);
+int ftruncate(int fd, off_t size);
+int rename(const char* from, const char* to);
+int fsync(int fd);
+
+} // namespace sys
+} // namespace posix
+} // namespace ovo
+
+#endif
