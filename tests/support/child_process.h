@@ -1,5 +1,6 @@
-// A program of the test build running beside the test, to be waited for or killed the
-// hard way (SIGKILL; TerminateProcess on Windows), as a crash would end it.
+// A program of the test build running beside the test, to be waited for, interrupted as
+// Ctrl-C does (POSIX), or killed the hard way (SIGKILL; TerminateProcess on Windows), as a
+// crash would end it. Its standard output goes to the file `output` when one is named.
 #ifndef OVO_TESTS_SUPPORT_CHILD_PROCESS_H
 #define OVO_TESTS_SUPPORT_CHILD_PROCESS_H
 
@@ -13,6 +14,7 @@
 #include <vector>
 
 #if !defined(_WIN32)
+#  include <fcntl.h>
 #  include <signal.h>
 #  include <spawn.h>
 extern char** environ;
@@ -22,7 +24,8 @@ namespace ovo_test {
 
 class ChildProcess {
 public:
-    ChildProcess(const std::string& program, const std::vector<std::string>& args)
+    ChildProcess(const std::string& program, const std::vector<std::string>& args,
+                 const std::string& output = std::string())
     {
 #if defined(_WIN32)
         std::string command = "\"" + siblingProgram(program) + "\"";
@@ -30,8 +33,20 @@ public:
             command += " \"" + arg + "\"";
         STARTUPINFOA startup = {};
         startup.cb = sizeof startup;
+        HANDLE out = INVALID_HANDLE_VALUE;
+        if (!output.empty()) {
+            SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
+            out = CreateFileA(output.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS, 0, nullptr);
+            startup.dwFlags = STARTF_USESTDHANDLES;
+            startup.hStdOutput = out;
+            startup.hStdError = GetStdHandle(STD_ERROR_HANDLE);
+        }
         PROCESS_INFORMATION info = {};
-        if (!CreateProcessA(nullptr, &command[0], nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info))
+        const BOOL started = CreateProcessA(nullptr, &command[0], nullptr, nullptr, out != INVALID_HANDLE_VALUE, 0,
+                                            nullptr, nullptr, &startup, &info);
+        if (out != INVALID_HANDLE_VALUE)
+            CloseHandle(out);
+        if (!started)
             throw std::runtime_error("cannot start " + program);
         CloseHandle(info.hThread);
         process_ = info.hProcess;
@@ -41,7 +56,13 @@ public:
         for (const std::string& arg : args)
             argv.push_back(const_cast<char*>(arg.c_str()));
         argv.push_back(nullptr);
-        if (posix_spawn(&pid_, path.c_str(), nullptr, nullptr, argv.data(), environ) != 0)
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        if (!output.empty())
+            posix_spawn_file_actions_addopen(&actions, 1, output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        const int result = posix_spawn(&pid_, path.c_str(), &actions, nullptr, argv.data(), environ);
+        posix_spawn_file_actions_destroy(&actions);
+        if (result != 0)
             throw std::runtime_error("cannot start " + program);
 #endif
     }
@@ -71,6 +92,15 @@ public:
         return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 #endif
     }
+
+#if !defined(_WIN32)
+    // Ends the process as Ctrl-C does; gives its exit status.
+    int interrupt()
+    {
+        ::kill(pid_, SIGINT);
+        return wait();
+    }
+#endif
 
     // Ends the process at once, whatever it holds, and reaps it.
     void kill()

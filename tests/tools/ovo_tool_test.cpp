@@ -1,5 +1,6 @@
 // The ovo tool as a user runs it: its words, its output and its exit status, against
 // files, a pseudo-terminal pair, a real message channel and the virtual card.
+#include "support/child_process.h"
 #include "support/process.h"
 #include "support/temp_dir.h"
 #include "support/virtual_card.h"
@@ -9,7 +10,6 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <csignal>
 #include <sys/wait.h>
 #include <thread>
 #include <fcntl.h>
@@ -41,33 +41,6 @@ protected:
     }
 
     std::string path(const std::string& name) const { return (dir_.path() / name).string(); }
-
-    // Starts the tool with its standard output into `output`; interrupted() ends it as
-    // Ctrl-C does and gives its exit status.
-    pid_t start(const std::vector<std::string>& args, const std::string& output)
-    {
-        const std::string program = ovo_test::siblingProgram("ovo");
-        const pid_t pid = fork();
-        if (pid == 0) {
-            const int out = ::open(output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-            dup2(out, 1);
-            std::vector<char*> argv{const_cast<char*>(program.c_str())};
-            for (const std::string& arg : args)
-                argv.push_back(const_cast<char*>(arg.c_str()));
-            argv.push_back(nullptr);
-            execv(program.c_str(), argv.data());
-            _exit(127);
-        }
-        return pid;
-    }
-
-    static int interrupted(pid_t pid)
-    {
-        kill(pid, SIGINT);
-        int status = 0;
-        waitpid(pid, &status, 0);
-        return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    }
 
     // Waits up to 10 s for the text to show in the file.
     static bool shows(const std::string& file, const std::string& text)
@@ -190,11 +163,11 @@ TEST_F(OvoToolTest, WatchAndMonitorShowTrafficUntilInterrupted)
 {
     const std::string name = "ovowatch-" + std::to_string(getpid());
     ovo::ipc::MessageChannel channel(name, 65536);
-    const pid_t watcher = start({"channel", name, "watch"}, path("watch"));
+    ovo_test::ChildProcess watcher("ovo", {"channel", name, "watch"}, path("watch"));
     char body[] = "ready";
     ASSERT_TRUE(channel.send(3, body, 5));
     EXPECT_TRUE(shows(path("watch"), "72 65 61 64 79  \"ready\"\n"));
-    EXPECT_EQ(interrupted(watcher), 0);
+    EXPECT_EQ(watcher.interrupt(), 0);
     EXPECT_EQ(channel.inQueue(), 0u);
 
     int device = -1, port = -1;
@@ -204,7 +177,7 @@ TEST_F(OvoToolTest, WatchAndMonitorShowTrafficUntilInterrupted)
     tcgetattr(port, &raw);
     cfmakeraw(&raw);
     tcsetattr(port, TCSANOW, &raw);
-    const pid_t monitor = start({"serial", std::string("--port=device=") + pty, "monitor"}, path("monitor"));
+    ovo_test::ChildProcess monitor("ovo", {"serial", std::string("--port=device=") + pty, "monitor"}, path("monitor"));
     bool shown = false;
     for (int attempt = 0; attempt < 5 && !shown; ++attempt) { // bytes sent before the port opened may go
         ASSERT_EQ(write(device, "\x02OK\x03", 4), 4);
@@ -215,7 +188,7 @@ TEST_F(OvoToolTest, WatchAndMonitorShowTrafficUntilInterrupted)
     }
     EXPECT_TRUE(shown) << ovo_test::readFile(path("monitor"));
     EXPECT_EQ(ovo_test::readFile(path("monitor")).rfind("00000000  02 4F 4B 03 ", 0), 0u);
-    EXPECT_EQ(interrupted(monitor), 0);
+    EXPECT_EQ(monitor.interrupt(), 0);
     close(device);
     close(port);
 }

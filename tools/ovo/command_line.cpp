@@ -64,14 +64,14 @@ void CommandLine::addText(const std::string& name, const std::string& descriptio
 {
     values_.emplace_back(new TextValue(value, given));
     processor_.add("", name, description, values_.back().get());
-    help_lines_.push_back("  --" + name + "=TEXT  " + description);
+    helpLines_.push_back("  --" + name + "=TEXT  " + description);
 }
 
 void CommandLine::addNumber(const std::string& name, const std::string& description, long& value)
 {
     values_.emplace_back(new NumberValue(name, value));
     processor_.add("", name, description, values_.back().get());
-    help_lines_.push_back("  --" + name + "=N  " + description);
+    helpLines_.push_back("  --" + name + "=N  " + description);
 }
 
 void CommandLine::parse(const std::vector<std::string>& words)
@@ -104,7 +104,7 @@ void CommandLine::expectNoWords(const std::string& subcommand) const
 std::string CommandLine::optionsHelp() const
 {
     std::string text;
-    for (const std::string& line : help_lines_)
+    for (const std::string& line : helpLines_)
         text += line + "\n";
     return text + "  -h, --help  show this help\n";
 }

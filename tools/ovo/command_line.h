@@ -49,7 +49,7 @@ public:
 private:
     ovo::ProgramOptions::OptionsProcessor processor_;
     std::vector<std::unique_ptr<ovo::ProgramOptions::IOptionValue>> values_;
-    std::vector<std::string> help_lines_;
+    std::vector<std::string> helpLines_;
     std::vector<std::string> words_;
     bool help_ = false;
     long logLevel_ = 0;

@@ -1,7 +1,7 @@
 #include "platform/posix/comm.h"
-#include "platform/posix/system_calls.h"
 #include "platform/posix/file_object.h"
 #include "platform/posix/serial_speed.h"
+#include "platform/posix/system_calls.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -4,6 +4,8 @@
 
 #include "platform/posix/handle.h"
 
+#include <cstddef>
+
 namespace ovo {
 namespace posix {
 
@@ -20,6 +22,10 @@ public:
 
     const int descriptor;
 };
+
+// Writes the bytes from `done` on to the descriptor, retrying interrupted calls; false with
+// errno set when it stops short (ENOSPC when the system took nothing and said nothing).
+bool writeWhole(int descriptor, const void* data, std::size_t size, std::size_t& done);
 
 // A terminal opened through "\\.\NAME": the communication calls work on it.
 FileObject* openSerialPort(int descriptor);

@@ -1,6 +1,6 @@
 #include "platform/posix/files.h"
-#include "platform/posix/system_calls.h"
 #include "platform/posix/file_object.h"
+#include "platform/posix/system_calls.h"
 
 #include <cerrno>
 #include <cstring>
@@ -34,18 +34,28 @@ BOOL FileObject::read(void* buffer, DWORD size, DWORD& done)
 
 BOOL FileObject::write(const void* buffer, DWORD size, DWORD& done)
 {
-    const char* data = static_cast<const char*>(buffer);
+    std::size_t written = done;
+    const bool whole = writeWhole(descriptor, buffer, size, written);
+    done = static_cast<DWORD>(written);
+    if (!whole)
+        setLastErrorFromErrno(errno);
+    return whole ? TRUE : FALSE;
+}
+
+bool writeWhole(int descriptor, const void* data, std::size_t size, std::size_t& done)
+{
+    const char* bytes = static_cast<const char*>(data);
     while (done < size) {
-        const ssize_t written = sys::write(descriptor, data + done, size - done);
+        const ssize_t written = sys::write(descriptor, bytes + done, size - done);
         if (written < 0 && errno == EINTR)
             continue;
-        if (written <= 0) {
-            setLastErrorFromErrno(written < 0 ? errno : ENOSPC);
-            return FALSE;
-        }
-        done += static_cast<DWORD>(written);
+        if (written == 0)
+            errno = ENOSPC;
+        if (written <= 0)
+            return false;
+        done += static_cast<std::size_t>(written);
     }
-    return TRUE;
+    return true;
 }
 
 namespace {

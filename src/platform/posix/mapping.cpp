@@ -10,6 +10,7 @@
 
 namespace {
 
+using ovo::posix::handleOf;
 using ovo::posix::NamedObject;
 using ovo::posix::ObjectKind;
 
@@ -72,16 +73,6 @@ Views& views()
     return *all;
 }
 
-HANDLE handleOf(std::shared_ptr<NamedObject> object, DWORD access)
-{
-    if (object == nullptr)
-        return nullptr;
-    const DWORD result = GetLastError();
-    HANDLE handle = static_cast<ovo::posix::KernelObject*>(new MappingObject(std::move(object), access));
-    SetLastError(result);
-    return handle;
-}
-
 } // namespace
 
 HANDLE CreateFileMappingA(HANDLE file, LPSECURITY_ATTRIBUTES security, DWORD protection, DWORD maximumSizeHigh,
@@ -93,13 +84,14 @@ HANDLE CreateFileMappingA(HANDLE file, LPSECURITY_ATTRIBUTES security, DWORD pro
         return nullptr;
     }
     bool existed = false;
-    return handleOf(NamedObject::create(ObjectKind::mapping, name, security, SECTION_ALL_ACCESS, size, nullptr, existed),
-                    SECTION_ALL_ACCESS);
+    return handleOf<MappingObject>(
+        NamedObject::create(ObjectKind::mapping, name, security, SECTION_ALL_ACCESS, size, nullptr, existed),
+        SECTION_ALL_ACCESS);
 }
 
 HANDLE OpenFileMappingA(DWORD desiredAccess, BOOL, LPCSTR name)
 {
-    return handleOf(NamedObject::open(ObjectKind::mapping, name, desiredAccess), desiredAccess);
+    return handleOf<MappingObject>(NamedObject::open(ObjectKind::mapping, name, desiredAccess), desiredAccess);
 }
 
 LPVOID MapViewOfFile(HANDLE mapping, DWORD desiredAccess, DWORD offsetHigh, DWORD offsetLow, std::size_t bytes)

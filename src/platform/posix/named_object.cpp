@@ -1,7 +1,8 @@
 #include "platform/posix/named_object.h"
-#include "platform/posix/system_calls.h"
 
+#include "platform/posix/file_name.h"
 #include "platform/posix/handle.h"
+#include "platform/posix/system_calls.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -61,20 +62,10 @@ std::uint64_t fnv1a(const std::string& text, std::uint64_t seed)
     return hash;
 }
 
-// Keeps letters, digits and "._-"; every other byte becomes %XX, so a '/' or ".." is
-// ordinary text of one file name. A name too long for a file name is hashed instead.
+// The escaped name, or a hash of it when that is too long for a file name.
 std::string encodedFileName(const std::string& scope, const std::string& name)
 {
-    std::string encoded = filePrefix + scope;
-    for (unsigned char c : name) {
-        if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '.' || c == '_' || c == '-') {
-            encoded += static_cast<char>(c);
-        } else {
-            char escape[4];
-            std::snprintf(escape, sizeof escape, "%%%02X", c);
-            encoded += escape;
-        }
-    }
+    const std::string encoded = filePrefix + scope + escapedFileName(name);
     if (encoded.size() <= maxFileName)
         return encoded;
     char hashed[40];

@@ -13,6 +13,7 @@
 #ifndef OVO_SRC_PLATFORM_POSIX_NAMED_OBJECT_H
 #define OVO_SRC_PLATFORM_POSIX_NAMED_OBJECT_H
 
+#include "platform/posix/handle.h"
 #include "platform/posix/security.h"
 
 #include <cstdint>
@@ -64,6 +65,19 @@ private:
     std::string path_;
     void* header_;
 };
+
+// A handle to a new Object (a KernelObject made of the named object and the handle's
+// access), or null when there is no object; the last error (ERROR_ALREADY_EXISTS) stays.
+template <typename Object>
+HANDLE handleOf(std::shared_ptr<NamedObject> object, DWORD access)
+{
+    if (object == nullptr)
+        return nullptr;
+    const DWORD result = GetLastError();
+    HANDLE handle = static_cast<KernelObject*>(new Object(std::move(object), access));
+    SetLastError(result);
+    return handle;
+}
 
 } // namespace posix
 } // namespace ovo

@@ -1,13 +1,15 @@
 #include "platform/posix/registry_store.h"
+
+#include "platform/posix/file_name.h"
+#include "platform/posix/file_object.h"
+#include "platform/posix/handle.h"
 #include "platform/posix/system_calls.h"
 
-#include "platform/posix/handle.h"
+#include <ovo/strings.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cerrno>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
@@ -110,33 +112,12 @@ LONG describe(HKEY handle, RegistryKey& key)
     return ERROR_SUCCESS;
 }
 
-bool sameText(const std::string& a, const std::string& b)
-{
-    if (a.size() != b.size())
-        return false;
-    for (std::size_t i = 0; i < a.size(); ++i)
-        if (std::tolower(static_cast<unsigned char>(a[i])) != std::tolower(static_cast<unsigned char>(b[i])))
-            return false;
-    return true;
-}
-
 // One element of a key path as a directory name; empty when the element is refused.
 std::string encodedElement(const std::string& element)
 {
     if (element.empty() || element == "." || element == ".." || element.find('/') != std::string::npos)
         return std::string();
-    std::string encoded;
-    for (unsigned char c : element) {
-        c = static_cast<unsigned char>(std::tolower(c));
-        if ((c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '.' || c == '_' || c == '-') {
-            encoded += static_cast<char>(c);
-        } else {
-            char escape[4];
-            std::snprintf(escape, sizeof escape, "%%%02X", c);
-            encoded += escape;
-        }
-    }
-    return encoded;
+    return ovo::posix::escapedFileName(ovo::toLower(element)); // names compare without case
 }
 
 // The directories from the key's own down to the sub-key's, or ERROR_BAD_PATHNAME.
@@ -194,21 +175,6 @@ bool readAll(int fd, std::string& bytes)
             return true;
         bytes.append(buffer, static_cast<std::size_t>(count));
     }
-}
-
-bool writeAll(int fd, const std::string& bytes)
-{
-    for (std::size_t done = 0; done < bytes.size();) {
-        const ssize_t count = sys::write(fd, bytes.data() + done, bytes.size() - done);
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count == 0)
-            errno = ENOSPC; // nothing written and no reason given: no room
-        if (count <= 0)
-            return false;
-        done += static_cast<std::size_t>(count);
-    }
-    return true;
 }
 
 void put32(std::string& bytes, std::uint32_t value) { bytes.append(reinterpret_cast<const char*>(&value), 4); }
@@ -269,7 +235,8 @@ LONG writeValues(const std::string& directory, const std::vector<Value>& values,
     const int fd = sys::open(next.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, machine ? 0644 : 0600);
     if (fd < 0)
         return errorOf(errno);
-    const bool written = writeAll(fd, bytes);
+    std::size_t done = 0;
+    const bool written = ovo::posix::writeWhole(fd, bytes.data(), bytes.size(), done);
     const int writeError = errno;
     close(fd);
     if (written && sys::rename(next.c_str(), (directory + "/" + valuesFile).c_str()) == 0)
@@ -283,7 +250,7 @@ std::vector<Value>::iterator findValue(std::vector<Value>& values, LPCSTR name)
 {
     const std::string wanted = name != nullptr ? name : "";
     for (auto value = values.begin(); value != values.end(); ++value)
-        if (sameText(value->name, wanted))
+        if (ovo::icompare(value->name, wanted))
             return value;
     return values.end();
 }

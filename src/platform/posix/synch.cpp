@@ -18,6 +18,7 @@
 
 namespace {
 
+using ovo::posix::handleOf;
 using ovo::posix::NamedObject;
 using ovo::posix::ObjectKind;
 
@@ -185,17 +186,6 @@ private:
     std::atomic<std::uint32_t>* word_;
 };
 static_assert(sizeof(std::atomic<std::uint32_t>) == 4, "a futex word");
-
-template <typename Object>
-HANDLE handleOf(std::shared_ptr<NamedObject> object, DWORD access)
-{
-    if (object == nullptr)
-        return nullptr;
-    const DWORD result = GetLastError(); // ERROR_ALREADY_EXISTS stays visible
-    HANDLE handle = static_cast<ovo::posix::KernelObject*>(new Object(std::move(object), access));
-    SetLastError(result);
-    return handle;
-}
 
 } // namespace
 
