@@ -4,8 +4,9 @@
 #           the benchmarks built
 #   asan    the test suite under AddressSanitizer and UndefinedBehaviorSanitizer
 #   tsan    the test suite under ThreadSanitizer
-#   win64   the Windows 64-bit build, its test suite under Wine
-#   win32   the Windows 32-bit build, compiled and linked
+#   win64   the Windows 64-bit build, its test suite under Wine (its ZIP package among
+#           them, run on a clean Wine prefix)
+#   win32   the Windows 32-bit build, compiled and linked, and its ZIP package
 #   fuzz    every libFuzzer target for a short run (OVO_FUZZ_SECONDS each, default 10)
 #   bench   every benchmark, briefly (figures and ratios only, no verdict)
 # Give suite names as arguments to run only those. Builds go to build/<suite>.
@@ -84,7 +85,9 @@ suite_win64() {
 }
 
 suite_win32() {
-    configureAndBuild win32 -DCMAKE_TOOLCHAIN_FILE="$root/cmake/toolchains/mingw-w64-i686.cmake"
+    configureAndBuild win32 -DCMAKE_TOOLCHAIN_FILE="$root/cmake/toolchains/mingw-w64-i686.cmake" &&
+        (cd "$builds/win32" && cpack -G ZIP >cpack.log 2>&1 || { cat cpack.log; exit 1; }) &&
+        ls "$builds"/win32/packages/*.zip
 }
 
 suite_fuzz() {

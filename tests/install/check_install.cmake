@@ -1,19 +1,7 @@
 # Installs the build into a fresh prefix, then builds and runs a small client against
 # it twice: once with find_package(ovosystem), once with the flags of pkg-config. The
 # installed ovo tool (when built) must run from the prefix as it stands.
-function(run)
-    execute_process(COMMAND ${ARGN} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
-    if(NOT rc EQUAL 0)
-        message(FATAL_ERROR "failed (${rc}): ${ARGN}\n${out}\n${err}")
-    endif()
-    set(output "${out}" PARENT_SCOPE)
-endfunction()
-
-function(expect_client_output text)
-    if(NOT text STREQUAL "parsed 4660, bytes 12 34 AB \n")
-        message(FATAL_ERROR "unexpected client output: [${text}]")
-    endif()
-endfunction()
+include(${CMAKE_CURRENT_LIST_DIR}/run_step.cmake)
 
 set(prefix ${WORK_DIR}/prefix)
 file(REMOVE_RECURSE ${WORK_DIR})
