@@ -7,6 +7,8 @@
 #   win64   the Windows 64-bit build, its test suite under Wine (its ZIP package among
 #           them, run on a clean Wine prefix)
 #   win32   the Windows 32-bit build, compiled and linked, and its ZIP package
+#   package the Debian packages (lintian, unpacked into a scratch root, a client and every
+#           example built against it and run)
 #   fuzz    every libFuzzer target for a short run (OVO_FUZZ_SECONDS each, default 10)
 #   bench   every benchmark, briefly (figures and ratios only, no verdict)
 # Give suite names as arguments to run only those. Builds go to build/<suite>.
@@ -18,11 +20,12 @@ builds=${OVO_BUILD_ROOT:-$root/build}
 jobs=${OVO_JOBS:-$(nproc)}
 fuzzSeconds=${OVO_FUZZ_SECONDS:-10}
 suites=("$@")
-[ ${#suites[@]} -gt 0 ] || suites=(linux asan tsan win64 win32 fuzz bench)
+[ ${#suites[@]} -gt 0 ] || suites=(linux asan tsan win64 win32 package fuzz bench)
 
 packages=(cmake ninja-build g++ pkg-config util-linux googletest libgtest-dev libbenchmark-dev libspdlog-dev libboost-dev
           clang libclang-rt-14-dev g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix wine64
-          libpcsclite-dev pcscd pcsc-tools vsmartcard-vpcd vsmartcard-vpicc python3-pycryptodome)
+          libpcsclite-dev pcscd pcsc-tools vsmartcard-vpcd vsmartcard-vpicc python3-pycryptodome
+          dpkg-dev file lintian socat)
 
 log() { printf '\n=== %s\n' "$*"; }
 
@@ -88,6 +91,21 @@ suite_win32() {
     configureAndBuild win32 -DCMAKE_TOOLCHAIN_FILE="$root/cmake/toolchains/mingw-w64-i686.cmake" &&
         (cd "$builds/win32" && cpack -G ZIP >cpack.log 2>&1 || { cat cpack.log; exit 1; }) &&
         ls "$builds"/win32/packages/*.zip
+}
+
+suite_package() {
+    local dir=$builds/package
+    configureAndBuild package -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_INSTALL_PREFIX=/usr -DOVO_BUILD_TESTS=OFF ||
+        return 1
+    rm -rf "$dir/packages"
+    (cd "$dir" && cpack -G DEB >cpack.log 2>&1) || { cat "$dir/cpack.log"; return 1; }
+    ls "$dir"/packages/*.deb
+    if "$root/tests/install/check_debian_packages.sh" "$dir/packages" "$dir/check"; then
+        passed=$((passed + 1))
+    else
+        failed=$((failed + 1))
+        return 1
+    fi
 }
 
 suite_fuzz() {

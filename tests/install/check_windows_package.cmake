@@ -2,7 +2,7 @@
 # against it with find_package, and runs the client (placed beside the package's DLLs, as
 # an application ships) in a new Wine prefix whose search path holds no compiler
 # directory: the package alone must make it start.
-include(${CMAKE_CURRENT_LIST_DIR}/run_step.cmake)
+include(${CMAKE_CURRENT_LIST_DIR}/install_checks.cmake)
 
 file(REMOVE_RECURSE ${WORK_DIR})
 run(${CPACK} -G ZIP --config ${BUILD_DIR}/CPackConfig.cmake)

@@ -1,0 +1,59 @@
+# The Debian packages: libovosystem0 (the shared library), libovosystem-dev (headers, the
+# link, the CMake and pkg-config files) and ovo-tools (the ovo tool). dpkg-shlibdeps finds
+# what the binaries need; only the -dev package's tie to the library it links against is
+# written here, since it holds no binary to read that from.
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENTS_ALL runtime dev)
+if(TARGET ovo)
+    list(APPEND CPACK_COMPONENTS_ALL tools)
+endif()
+set(CPACK_DEBIAN_PACKAGE_MAINTAINER "ovosystem developers <maintainers@ovosystem.org>")
+set(CPACK_DEBIAN_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
+set(CPACK_STRIP_FILES ON) # the packages carry no debug information
+set(debianVersion ${PROJECT_VERSION}-1)
+
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME libovosystem${PROJECT_VERSION_MAJOR})
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/cmake/debian/triggers)
+set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "${PROJECT_DESCRIPTION}: shared library
+ Text and number helpers, a name-value collection, logging, a command-line
+ option processor, named inter-process primitives, smart cards over PC/SC,
+ serial ports and platform services, in one C++17 library.")
+
+set(CPACK_DEBIAN_DEV_PACKAGE_NAME libovosystem-dev)
+set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} (= ${debianVersion})")
+set(CPACK_COMPONENT_DEV_DESCRIPTION "${PROJECT_DESCRIPTION}: development files
+ The headers of the ovosystem library, its link for the linker, a CMake package
+ (find_package(ovosystem) gives ovo::ovosystem) and a pkg-config file.")
+
+# dpkg-shlibdeps learns which package gives libovosystem.so.N as it does in a Debian
+# source build: from the library's package build tree (DEBIAN/shlibs beside the library).
+set(libraryTree ${PROJECT_BINARY_DIR}/debian/${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME})
+file(WRITE ${libraryTree}/DEBIAN/shlibs
+     "libovosystem ${PROJECT_VERSION_MAJOR} ${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} (>= ${PROJECT_VERSION})\n")
+file(MAKE_DIRECTORY ${libraryTree}${CMAKE_INSTALL_FULL_LIBDIR})
+file(CREATE_LINK ${PROJECT_BINARY_DIR}/src/libovosystem.so.${PROJECT_VERSION_MAJOR}
+     ${libraryTree}${CMAKE_INSTALL_FULL_LIBDIR}/libovosystem.so.${PROJECT_VERSION_MAJOR} SYMBOLIC)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${libraryTree}${CMAKE_INSTALL_FULL_LIBDIR})
+
+set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME ovo-tools)
+set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION utils)
+set(CPACK_COMPONENT_TOOLS_DESCRIPTION "${PROJECT_DESCRIPTION}: the ovo tool
+ A command-line tool on the ovosystem library: card readers and command units,
+ serial devices, message channels between processes, hex dumps and scripts.")
+
+# Each package carries the copyright file and the changelog, compressed as Debian wants.
+set(changelog ${PROJECT_BINARY_DIR}/debian/changelog.Debian.gz)
+file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/debian)
+execute_process(COMMAND gzip -9nc ${PROJECT_SOURCE_DIR}/cmake/debian/changelog OUTPUT_FILE ${changelog})
+foreach(component ${CPACK_COMPONENTS_ALL})
+    string(TOUPPER ${component} upper)
+    install(FILES ${PROJECT_SOURCE_DIR}/cmake/debian/copyright ${changelog}
+            DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/${CPACK_DEBIAN_${upper}_PACKAGE_NAME}
+            COMPONENT ${component})
+endforeach()

@@ -1,0 +1,64 @@
+#!/usr/bin/env bash
+# The Debian packages of a build (/usr prefix), checked without installing them: lintian
+# finds no error, the three unpack into a scratch root, a client builds against that root
+# through find_package and pkg-config, the packaged tool runs, and every example builds
+# against the root as a client project and runs: the card exchange against the virtual
+# card, the serial request against an echoing device on a pseudo-terminal.
+#   check_debian_packages.sh PACKAGE_DIR WORK_DIR
+set -euo pipefail
+source "$(dirname "$0")/../../scripts/lib/debian.sh"
+packages=$(realpath "$1")
+work=$(realpath -m "$2")
+here=$ovoRoot/tests/install
+
+lintian --fail-on error --suppress-tags initial-upload-closes-no-bugs "$packages"/*.deb
+rm -rf "$work"
+mkdir -p "$work/root"
+debs=("$packages"/*.deb)
+[ ${#debs[@]} -eq 3 ] || { echo "expected three packages, found ${debs[*]}"; exit 1; }
+for deb in "${debs[@]}"; do dpkg-deb -x "$deb" "$work/root"; done
+
+cmake -DPREFIX="$work/root/usr" -DWORK_DIR="$work" -DCLIENT_DIR="$here/client" -DCXX=g++ -DEXPECT_TOOL=1 \
+    -P "$here/check_install.cmake"
+
+libDir=$(dirname "$(find "$work/root" -name ovosystem.pc)")/..
+export LD_LIBRARY_PATH=$libDir
+cmake -S "$ovoRoot/examples" -B "$work/examples" -DCMAKE_PREFIX_PATH="$work/root/usr" >"$work/examples.log"
+cmake --build "$work/examples" >>"$work/examples.log"
+bin=$work/examples
+# expect PATTERN COMMAND...: runs the command, shows what it printed, and checks for a line.
+expect() {
+    local pattern=$1 out
+    shift
+    echo "\$ ${1##*/} ${*:2}"
+    out=$("$@" 2>&1) || { echo "$out"; return 1; }
+    echo "$out"
+    grep -q -- "$pattern" <<<"$out"
+}
+
+mkdir -p "$work/logs"
+expect "^done$" "$bin/logging" "$work/logs"
+grep -q "the logging example's log" "$work/logs"/*-example.log
+
+expect "^3 of 3 words taken: port 'ttyUSB0', timeout 500 ms, verbose yes$" \
+    "$bin/options" -p=ttyUSB0 --timeout=500 -v
+
+channel=ovo-example-$$
+"$bin/message_channel" answer "$channel" >"$work/answer.out" &
+answerer=$!
+expect "^answer: time to answer$" "$bin/message_channel" ask "$channel"
+wait "$answerer"
+grep -q "^question: what time is it?$" "$work/answer.out"
+
+socat PTY,link="$work/device",rawer EXEC:cat &
+device=$!
+trap 'kill $device 2>/dev/null' EXIT
+for _ in $(seq 50); do [ -e "$work/device" ] && break; sleep 0.1; done
+expect "^answer of 8 bytes: 02 53 54 41 54 55 53 03$" \
+    "$bin/serial_request" "device=$work/device;baud=9600;data=8;parity=none;stop=1"
+
+ovoStartVirtualCard "$work/vicc.log" ovoVirtualReaderListed
+trap 'kill $device 2>/dev/null; ovoStopVirtualCard' EXIT
+for _ in $(seq 30); do "$bin/card_exchange" "$ovoVirtualReader" 2>/dev/null | grep -q "^status word" && break; sleep 0.5; done
+expect "^status word 9000$" "$bin/card_exchange" "$ovoVirtualReader"
+echo "packages and examples: all checks passed"
