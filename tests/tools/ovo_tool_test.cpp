@@ -44,15 +44,27 @@ protected:
 
     std::string path(const std::string& name) const { return (dir_.path() / name).string(); }
 
-    // Waits up to 10 s for the text to show in the file.
-    static bool shows(const std::string& file, const std::string& text)
+    // A pseudo-terminal pair in raw mode, closed after the test: the test plays the device
+    // on peer_, the tool opens the name given; peer_ stays out of the tool's processes.
+    std::string openPty()
     {
-        for (int i = 0; i < 1000 && ovo_test::readFile(file).find(text) == std::string::npos; ++i)
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        return ovo_test::readFile(file).find(text) != std::string::npos;
+        char name[256] = {};
+        EXPECT_EQ(openpty(&peer_, &port_, name, nullptr, nullptr), 0);
+        termios raw;
+        tcgetattr(port_, &raw);
+        cfmakeraw(&raw);
+        tcsetattr(port_, TCSANOW, &raw);
+        fcntl(peer_, F_SETFD, FD_CLOEXEC);
+        return name;
+    }
+    void TearDown() override
+    {
+        close(peer_);
+        close(port_);
     }
 
     ovo_test::TempDir dir_;
+    int peer_ = -1, port_ = -1;
 };
 
 TEST_F(OvoToolTest, HelpNamesEverySubcommandAndEachHasItsOwn)
@@ -69,62 +81,49 @@ TEST_F(OvoToolTest, HelpNamesEverySubcommandAndEachHasItsOwn)
     EXPECT_EQ(ovo({}).status, 2);
 }
 
-TEST_F(OvoToolTest, MistakesInTheWordsGiveOneLineAndStatus2)
-{
-    const struct {
-        std::vector<std::string> args;
-        const char* message;
-    } cases[] = {
-        {{"bogus"}, "ovo: unknown subcommand 'bogus'; see ovo --help\n"},
-        {{"apdu", "0G"}, "ovo apdu: bad hex '0G': invalid hex char 'G'\n"},
-        {{"apdu", "00 A4 0"}, "ovo apdu: bad hex '00 A4 0': two digits a byte\n"},
-        {{"apdu", "00A4"}, "ovo apdu: a command unit has at least 4 bytes (CLA INS P1 P2): '00A4'\n"},
-        {{"apdu", "--bogus", "00A40000"}, "ovo apdu: unknown option '--bogus'\n"},
-        {{"apdu"}, "ovo apdu: ovo apdu needs at least one command unit in hex; see ovo apdu --help\n"},
-        {{"readers", "--log-level=x"}, "ovo readers: --log-level is a number from 0 to 1, not 'x'\n"},
-        {{"serial", "send", "01"}, "ovo serial: --port needs device=NAME; see ovo serial --help\n"},
-        {{"serial", "--port=device=ttyS0", "recv", "many"}, "ovo serial: the count of recv is a number from 1 to 4294967295, not 'many'\n"},
-        {{"serial", "--port=device=ttyS0", "recv", "-1"}, "ovo serial: the count of recv is a number from 1 to 4294967295, not '-1'\n"},
-        {{"serial", "--port=device=ttyS0", "--timeout=-1", "recv", "1"}, "ovo serial: --timeout is a number from 0 to 2147483647, not '-1'\n"},
-        {{"serial", "--port=device=ttyS0;parity=odd2", "recv", "1"}, "ovo serial: bad --port setting 'parity=odd2'; see ovo serial --help\n"},
-        {{"serial", "--port=device=ttyS0;baud=fast", "recv", "1"}, "ovo serial: bad --port settings 'device=ttyS0;baud=fast': baud and data take decimal numbers\n"},
-        {{"serial", "--port=device=ttyS0", "listen"}, "ovo serial: ovo serial needs send HEX, recv N or monitor; see ovo serial --help\n"},
-        {{"channel", "c", "send", "0", "01"}, "ovo channel: a message identifier is a number from 1 to 4294967295, not '0'\n"},
-        {{"channel", "c", "recv", "x"}, "ovo channel: a message identifier is a number from 0 to 4294967295, not 'x'\n"},
-        {{"channel", "c", "--size=100", "count"}, "ovo channel: --size is a number from 4113 to 2147483647, not '100'\n"},
-        {{"channel", "c", "--size=99999999999", "count"}, "ovo channel: --size is a number from 4113 to 2147483647, not '99999999999'\n"},
-        {{"channel", "a\\b", "count"}, "ovo channel: a channel name has no backslash: 'a\\b'\n"},
-        {{"hexdump", "a", "b"}, "ovo hexdump: ovo hexdump takes one file at most; see ovo hexdump --help\n"},
-    };
-    for (const auto& c : cases) {
-        const ToolRun run = ovo(c.args);
-        EXPECT_EQ(run.status, 2) << c.message;
-        EXPECT_EQ(run.err, c.message);
-        EXPECT_EQ(run.out, "");
-    }
-}
-
-TEST_F(OvoToolTest, FailuresGiveOneLineWithTheReasonAndStatus1)
+TEST_F(OvoToolTest, MistakesGiveStatus2AndFailuresStatus1WithOneLineThatSaysWhy)
 {
     const std::string held = "ovoheld-" + std::to_string(getpid());
     ovo::ipc::MessageChannel channel(held, 5000);
     const std::string missing = path("missing"), directory = path("");
     const struct {
         std::vector<std::string> args;
+        int status;
         std::string message;
     } cases[] = {
-        {{"hexdump", missing}, "ovo hexdump: cannot open '" + missing + "': No such file or directory\n"},
-        {{"hexdump", directory}, "ovo hexdump: cannot read '" + directory + "': Is a directory\n"},
-        {{"script", directory}, "ovo script: cannot read '" + directory + "': Is a directory\n"},
-        {{"hexdump", "--log-dir=" + missing, "/dev/null"}, "ovo hexdump: cannot log into '" + missing + "': No such file or directory\n"},
-        {{"serial", "--port=device=ovo_nosuch", "send", "01"}, "ovo serial: no such serial device: /dev/ovo_nosuch\n"},
-        {{"serial", "--port=device=/dev/null", "recv", "1"}, "ovo serial: /dev/null is not a serial device: Incorrect function\n"},
-        {{"channel", held, "send", "1", "01"}, "ovo channel: channel '" + held + "' exists with a smaller size; pass --size=5000 or less\n"},
-        {{"channel", held, "--size=5000", "recv", "9"}, "ovo channel: no message with identifier 9\n"},
+        {{"bogus"}, 2, "ovo: unknown subcommand 'bogus'; see ovo --help\n"},
+        {{"apdu", "0G"}, 2, "ovo apdu: bad hex '0G': invalid hex char 'G'\n"},
+        {{"apdu", "00 A4 0"}, 2, "ovo apdu: bad hex '00 A4 0': two digits a byte\n"},
+        {{"apdu", "00A4"}, 2, "ovo apdu: a command unit has at least 4 bytes (CLA INS P1 P2): '00A4'\n"},
+        {{"apdu", "--bogus", "00A40000"}, 2, "ovo apdu: unknown option '--bogus'\n"},
+        {{"apdu"}, 2, "ovo apdu: ovo apdu needs at least one command unit in hex; see ovo apdu --help\n"},
+        {{"readers", "--log-level=x"}, 2, "ovo readers: --log-level is a number from 0 to 1, not 'x'\n"},
+        {{"serial", "send", "01"}, 2, "ovo serial: --port needs device=NAME; see ovo serial --help\n"},
+        {{"serial", "--port=device=ttyS0", "recv", "many"}, 2, "ovo serial: the count of recv is a number from 1 to 4294967295, not 'many'\n"},
+        {{"serial", "--port=device=ttyS0", "recv", "-1"}, 2, "ovo serial: the count of recv is a number from 1 to 4294967295, not '-1'\n"},
+        {{"serial", "--port=device=ttyS0", "--timeout=-1", "recv", "1"}, 2, "ovo serial: --timeout is a number from 0 to 2147483647, not '-1'\n"},
+        {{"serial", "--port=device=ttyS0", "--timeout=", "recv", "1"}, 2, "ovo serial: --timeout is a number from 0 to 2147483647, not ''\n"},
+        {{"serial", "--port=device=ttyS0;parity=odd2", "recv", "1"}, 2, "ovo serial: bad --port setting 'parity=odd2'; see ovo serial --help\n"},
+        {{"serial", "--port=device=ttyS0;baud=fast", "recv", "1"}, 2, "ovo serial: bad --port settings 'device=ttyS0;baud=fast': baud and data take decimal numbers\n"},
+        {{"serial", "--port=device=ttyS0", "listen"}, 2, "ovo serial: ovo serial needs send HEX, recv N or monitor; see ovo serial --help\n"},
+        {{"channel", "c", "send", "0", "01"}, 2, "ovo channel: a message identifier is a number from 1 to 4294967295, not '0'\n"},
+        {{"channel", "c", "recv", "x"}, 2, "ovo channel: a message identifier is a number from 0 to 4294967295, not 'x'\n"},
+        {{"channel", "c", "--size=100", "count"}, 2, "ovo channel: --size is a number from 4113 to 2147483647, not '100'\n"},
+        {{"channel", "c", "--size=99999999999", "count"}, 2, "ovo channel: --size is a number from 4113 to 2147483647, not '99999999999'\n"},
+        {{"channel", "a\\b", "count"}, 2, "ovo channel: a channel name has no backslash: 'a\\b'\n"},
+        {{"hexdump", "a", "b"}, 2, "ovo hexdump: ovo hexdump takes one file at most; see ovo hexdump --help\n"},
+        {{"hexdump", missing}, 1, "ovo hexdump: cannot open '" + missing + "': No such file or directory\n"},
+        {{"hexdump", directory}, 1, "ovo hexdump: cannot read '" + directory + "': Is a directory\n"},
+        {{"script", directory}, 1, "ovo script: cannot read '" + directory + "': Is a directory\n"},
+        {{"hexdump", "--log-dir=" + missing, "/dev/null"}, 1, "ovo hexdump: cannot log into '" + missing + "': No such file or directory\n"},
+        {{"serial", "--port=device=ovo_nosuch", "send", "01"}, 1, "ovo serial: no such serial device: /dev/ovo_nosuch\n"},
+        {{"serial", "--port=device=/dev/null", "recv", "1"}, 1, "ovo serial: /dev/null is not a serial device: Incorrect function\n"},
+        {{"channel", held, "send", "1", "01"}, 1, "ovo channel: channel '" + held + "' exists with a smaller size; pass --size=5000 or less\n"},
+        {{"channel", held, "--size=5000", "recv", "9"}, 1, "ovo channel: no message with identifier 9\n"},
     };
     for (const auto& c : cases) {
         const ToolRun run = ovo(c.args);
-        EXPECT_EQ(run.status, 1) << c.message;
+        EXPECT_EQ(run.status, c.status) << c.message;
         EXPECT_EQ(run.err, c.message);
         EXPECT_EQ(run.out, "");
     }
@@ -182,22 +181,16 @@ TEST_F(OvoToolTest, WatchAndMonitorShowTrafficUntilInterruptedOrThePeerGoes)
     ovo_test::ChildProcess watcher("ovo", {"channel", name, "watch"}, path("watch"));
     char body[] = "ready";
     ASSERT_TRUE(channel.send(3, body, 5));
-    EXPECT_TRUE(shows(path("watch"), "72 65 61 64 79  \"ready\"\n"));
+    for (int i = 0; i < 1000 && ovo_test::readFile(path("watch")).empty(); ++i) // up to 10 s
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    EXPECT_EQ(ovo_test::readFile(path("watch")), "72 65 61 64 79  \"ready\"\n");
     EXPECT_EQ(watcher.interrupt(), 0);
     EXPECT_EQ(channel.inQueue(), 0u);
 
-    int device = -1, port = -1;
-    char pty[256] = {};
-    ASSERT_EQ(openpty(&device, &port, pty, nullptr, nullptr), 0);
-    termios raw;
-    tcgetattr(port, &raw);
-    cfmakeraw(&raw);
-    tcsetattr(port, TCSANOW, &raw);
-    fcntl(device, F_SETFD, FD_CLOEXEC); // the peer's end stays with the peer
-    ovo_test::ChildProcess monitor("ovo", {"serial", std::string("--port=device=") + pty, "monitor"}, path("monitor"));
+    ovo_test::ChildProcess monitor("ovo", {"serial", "--port=device=" + openPty(), "monitor"}, path("monitor"));
     bool shown = false;
     for (int attempt = 0; attempt < 5 && !shown; ++attempt) { // bytes sent before the port opened may go
-        ASSERT_EQ(write(device, "\x02OK\x03", 4), 4);
+        ASSERT_EQ(write(peer_, "\x02OK\x03", 4), 4);
         for (int i = 0; i < 100 && !shown; ++i) {
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
             shown = ovo_test::readFile(path("monitor")).find(" 02 4F 4B 03 ") != std::string::npos;
@@ -205,32 +198,25 @@ TEST_F(OvoToolTest, WatchAndMonitorShowTrafficUntilInterruptedOrThePeerGoes)
     }
     EXPECT_TRUE(shown) << ovo_test::readFile(path("monitor"));
     EXPECT_EQ(ovo_test::readFile(path("monitor")).rfind("00000000  02 4F 4B 03 ", 0), 0u);
-    close(device); // the peer goes away: the monitor ends, as a failure, before the interrupt
+    close(peer_); // the peer goes away: the monitor ends, as a failure, before the interrupt
+    peer_ = -1;
     std::this_thread::sleep_for(std::chrono::seconds(1));
     EXPECT_EQ(monitor.interrupt(), 1);
-    close(port);
 }
 
 TEST_F(OvoToolTest, SerialTransfersEndWithinTheTimeoutOfTheWholeCommand)
 {
-    int device = -1, port = -1;
-    char name[256] = {};
-    ASSERT_EQ(openpty(&device, &port, name, nullptr, nullptr), 0);
-    termios raw;
-    tcgetattr(port, &raw);
-    cfmakeraw(&raw);
-    tcsetattr(port, TCSANOW, &raw);
-    const std::string settings = std::string("--port=device=") + name + ";baud=9600";
+    const std::string name = openPty(), settings = "--port=device=" + name + ";baud=9600";
 
     // The console stays quiet; the log file has what the library said.
     ToolRun run = ovo({"serial", settings, "--log-dir=" + path(""), "send", "41 42 43"});
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(run.out, "sent 3 of 3 bytes\n");
     EXPECT_EQ(run.err, "");
-    EXPECT_NE(ovo_test::readFile(path(ovo_test::todaysLogFile("ovo"))).find(std::string("openDevice( '") + name + "' ) OK"),
+    EXPECT_NE(ovo_test::readFile(path(ovo_test::todaysLogFile("ovo"))).find("openDevice( '" + name + "' ) OK"),
               std::string::npos);
     char got[3] = {};
-    ASSERT_EQ(read(device, got, 3), 3);
+    ASSERT_EQ(read(peer_, got, 3), 3);
     EXPECT_EQ(std::string(got, 3), "ABC");
 
     using std::chrono::milliseconds;
@@ -249,7 +235,7 @@ TEST_F(OvoToolTest, SerialTransfersEndWithinTheTimeoutOfTheWholeCommand)
          milliseconds(0), milliseconds(1000)},
     };
     for (const auto& c : cases) {
-        ASSERT_EQ(write(device, c.arrived, std::strlen(c.arrived)), static_cast<ssize_t>(std::strlen(c.arrived)));
+        ASSERT_EQ(write(peer_, c.arrived, std::strlen(c.arrived)), static_cast<ssize_t>(std::strlen(c.arrived)));
         std::vector<std::string> args{"serial", settings};
         args.insert(args.end(), c.words.begin(), c.words.end());
         const auto start = std::chrono::steady_clock::now();
@@ -268,8 +254,6 @@ TEST_F(OvoToolTest, SerialTransfersEndWithinTheTimeoutOfTheWholeCommand)
     const std::string sent = run.out.substr(5, run.out.find(' ', 5) - 5);
     EXPECT_EQ(run.out, "sent " + sent + " of 60000 bytes\n");
     EXPECT_EQ(run.err, "ovo serial: the device took " + sent + " of 60000 bytes\n");
-    close(device);
-    close(port);
 }
 
 // The card tests need pcscd with the virtual reader; the virtual card is started here.

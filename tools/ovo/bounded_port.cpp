@@ -6,7 +6,7 @@
 namespace ovo_tool {
 namespace {
 
-const unsigned int forever = 0xFFFFFFFF;
+const unsigned int whatIsThere = 0xFFFFFFFF; // as a read interval, with zero totals
 const unsigned int pieceSize = 4096;
 
 } // namespace
@@ -61,10 +61,9 @@ void BoundedPort::waitUpTo(unsigned int ms)
         return;
     waitMs_ = ms;
     // 0: reading takes what is there, writing what the driver takes within a millisecond
-    // (all-zero write time-outs would wait for ever). Otherwise reading ends at the first
-    // byte, and writing is asked for one byte.
-    port_.config().setCommTimeouts(ms == 0 ? ovo::io::SerialTimeouts{forever, 0, 0, 1, 0}
-                                           : ovo::io::SerialTimeouts{forever, ms, forever, ms, 0});
+    // (all-zero write time-outs would wait for ever). Otherwise one byte within ms.
+    port_.config().setCommTimeouts(ms == 0 ? ovo::io::SerialTimeouts{whatIsThere, 0, 0, 1, 0}
+                                           : ovo::io::SerialTimeouts{0, ms, 0, ms, 0});
     port_.configure();
 }
 unsigned int BoundedPort::left() const
