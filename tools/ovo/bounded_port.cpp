@@ -30,8 +30,8 @@ unsigned long long BoundedPort::receive(unsigned long long size,
 
 std::size_t BoundedPort::send(const unsigned char* data, std::size_t size)
 {
-    return static_cast<std::size_t>(
-        transfer(size, [&](unsigned long long offset, unsigned int count) { return port_.send(data + offset, count); }));
+    return static_cast<std::size_t>(transfer(
+        size, [&](unsigned long long offset, unsigned int count) { return port_.send(data + offset, count); }));
 }
 
 unsigned long long BoundedPort::transfer(unsigned long long size,
@@ -40,7 +40,8 @@ unsigned long long BoundedPort::transfer(unsigned long long size,
     unsigned long long done = 0;
     while (done < size) {
         waitUpTo(0);
-        unsigned int count = move(done, static_cast<unsigned int>(std::min<unsigned long long>(size - done, pieceSize)));
+        unsigned int count =
+            move(done, static_cast<unsigned int>(std::min<unsigned long long>(size - done, pieceSize)));
         if (count == 0) {
             const unsigned int ms = left();
             if (ms == 0)
@@ -66,6 +67,7 @@ void BoundedPort::waitUpTo(unsigned int ms)
                                            : ovo::io::SerialTimeouts{0, ms, 0, ms, 0});
     port_.configure();
 }
+
 unsigned int BoundedPort::left() const
 {
     const auto rest = deadline_ - std::chrono::steady_clock::now();

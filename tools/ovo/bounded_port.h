@@ -20,7 +20,8 @@ public:
     BoundedPort(ovo::io::SerialIO& port, std::chrono::milliseconds budget);
 
     // Up to `size` bytes, handed to `take` piece by piece as they come; the count.
-    unsigned long long receive(unsigned long long size, const std::function<void(const unsigned char*, std::size_t)>& take);
+    unsigned long long receive(unsigned long long size,
+                               const std::function<void(const unsigned char*, std::size_t)>& take);
     // The count of the bytes sent.
     std::size_t send(const unsigned char* data, std::size_t size);
 

@@ -10,7 +10,8 @@
 namespace ovo_tool {
 
 InputFile::InputFile(const std::string& path)
-    : name_(path == "-" ? "standard input" : path), descriptor_(path == "-" ? STDIN_FILENO : open(path.c_str(), O_RDONLY))
+    : name_(path == "-" ? "standard input" : path),
+      descriptor_(path == "-" ? STDIN_FILENO : open(path.c_str(), O_RDONLY))
 {
     if (descriptor_ < 0)
         throw Failure("cannot open '" + path + "': " + std::strerror(errno));
