@@ -11,7 +11,6 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <cstring>
 #include <sys/wait.h>
 #include <thread>
 #include <fcntl.h>
@@ -63,6 +62,16 @@ protected:
         close(port_);
     }
 
+    // Waits up to the limit for the text to show in the file.
+    static bool shows(const std::string& file, const std::string& text,
+                      std::chrono::milliseconds limit = std::chrono::seconds(10))
+    {
+        const auto end = std::chrono::steady_clock::now() + limit;
+        while (ovo_test::readFile(file).find(text) == std::string::npos && std::chrono::steady_clock::now() < end)
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        return ovo_test::readFile(file).find(text) != std::string::npos;
+    }
+
     ovo_test::TempDir dir_;
     int peer_ = -1, port_ = -1;
 };
@@ -84,7 +93,7 @@ TEST_F(OvoToolTest, HelpNamesEverySubcommandAndEachHasItsOwn)
 TEST_F(OvoToolTest, MistakesGiveStatus2AndFailuresStatus1WithOneLineThatSaysWhy)
 {
     const std::string held = "ovoheld-" + std::to_string(getpid());
-    ovo::ipc::MessageChannel channel(held, 5000);
+    ovo::ipc::MessageChannel channel(held, 4600);
     const std::string missing = path("missing"), directory = path("");
     const struct {
         std::vector<std::string> args;
@@ -116,10 +125,11 @@ TEST_F(OvoToolTest, MistakesGiveStatus2AndFailuresStatus1WithOneLineThatSaysWhy)
         {{"hexdump", directory}, 1, "ovo hexdump: cannot read '" + directory + "': Is a directory\n"},
         {{"script", directory}, 1, "ovo script: cannot read '" + directory + "': Is a directory\n"},
         {{"hexdump", "--log-dir=" + missing, "/dev/null"}, 1, "ovo hexdump: cannot log into '" + missing + "': No such file or directory\n"},
+        {{"hexdump", "--log-dir=/dev/null", "/dev/null"}, 1, "ovo hexdump: cannot log into '/dev/null': Not a directory\n"},
         {{"serial", "--port=device=ovo_nosuch", "send", "01"}, 1, "ovo serial: no such serial device: /dev/ovo_nosuch\n"},
         {{"serial", "--port=device=/dev/null", "recv", "1"}, 1, "ovo serial: /dev/null is not a serial device: Incorrect function\n"},
-        {{"channel", held, "send", "1", "01"}, 1, "ovo channel: channel '" + held + "' exists with a smaller size; pass --size=5000 or less\n"},
-        {{"channel", held, "--size=5000", "recv", "9"}, 1, "ovo channel: no message with identifier 9\n"},
+        {{"channel", held, "send", "1", "01"}, 1, "ovo channel: channel '" + held + "' exists with a smaller size; pass --size=4600 or less\n"},
+        {{"channel", held, "--size=4600", "recv", "9"}, 1, "ovo channel: no message with identifier 9\n"},
     };
     for (const auto& c : cases) {
         const ToolRun run = ovo(c.args);
@@ -159,7 +169,8 @@ TEST_F(OvoToolTest, ChannelMessagesGoBothWays)
     ToolRun run = ovo({"channel", name, "send", "7", "01 02 FF"});
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(run.out, "sent 3 bytes with identifier 7\n");
-    EXPECT_EQ(ovo({"channel", name, "send", "8", "--text=card in"}).status, 0);
+    run = ovo({"channel", name, "send", "8", "--text=card in", "--log-level=1"}); // the console shows the log
+    EXPECT_NE(run.err.find("sent 8: 63 61 72 64 20 69 6E"), std::string::npos) << run.err;
     EXPECT_EQ(ovo({"channel", name, "count"}).out, "2\n");
     Bytes body;
     ASSERT_TRUE(channel.recv(7, body));
@@ -181,9 +192,7 @@ TEST_F(OvoToolTest, WatchAndMonitorShowTrafficUntilInterruptedOrThePeerGoes)
     ovo_test::ChildProcess watcher("ovo", {"channel", name, "watch"}, path("watch"));
     char body[] = "ready";
     ASSERT_TRUE(channel.send(3, body, 5));
-    for (int i = 0; i < 1000 && ovo_test::readFile(path("watch")).empty(); ++i) // up to 10 s
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    EXPECT_EQ(ovo_test::readFile(path("watch")), "72 65 61 64 79  \"ready\"\n");
+    EXPECT_TRUE(shows(path("watch"), "72 65 61 64 79  \"ready\"\n"));
     EXPECT_EQ(watcher.interrupt(), 0);
     EXPECT_EQ(channel.inQueue(), 0u);
 
@@ -191,13 +200,13 @@ TEST_F(OvoToolTest, WatchAndMonitorShowTrafficUntilInterruptedOrThePeerGoes)
     bool shown = false;
     for (int attempt = 0; attempt < 5 && !shown; ++attempt) { // bytes sent before the port opened may go
         ASSERT_EQ(write(peer_, "\x02OK\x03", 4), 4);
-        for (int i = 0; i < 100 && !shown; ++i) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-            shown = ovo_test::readFile(path("monitor")).find(" 02 4F 4B 03 ") != std::string::npos;
-        }
+        shown = shows(path("monitor"), " 02 4F 4B 03 ", std::chrono::seconds(1));
     }
     EXPECT_TRUE(shown) << ovo_test::readFile(path("monitor"));
     EXPECT_EQ(ovo_test::readFile(path("monitor")).rfind("00000000  02 4F 4B 03 ", 0), 0u);
+    std::this_thread::sleep_for(std::chrono::milliseconds(300)); // quiet times are no failure
+    ASSERT_EQ(write(peer_, "\x06", 1), 1);
+    EXPECT_TRUE(shows(path("monitor"), " 06 ")) << ovo_test::readFile(path("monitor"));
     close(peer_); // the peer goes away: the monitor ends, as a failure, before the interrupt
     peer_ = -1;
     std::this_thread::sleep_for(std::chrono::seconds(1));
@@ -213,33 +222,33 @@ TEST_F(OvoToolTest, SerialTransfersEndWithinTheTimeoutOfTheWholeCommand)
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(run.out, "sent 3 of 3 bytes\n");
     EXPECT_EQ(run.err, "");
-    EXPECT_NE(ovo_test::readFile(path(ovo_test::todaysLogFile("ovo"))).find("openDevice( '" + name + "' ) OK"),
-              std::string::npos);
+    EXPECT_NE(ovo_test::readFile(path(ovo_test::todaysLogFile("ovo"))).find("openDevice( '" + name + "' ) OK"), std::string::npos);
     char got[3] = {};
     ASSERT_EQ(read(peer_, got, 3), 3);
     EXPECT_EQ(std::string(got, 3), "ABC");
 
     using std::chrono::milliseconds;
+    std::string many41;
+    for (int i = 0; i < 4096; ++i)
+        many41 += "41 ";
     const struct {
-        const char* arrived;
+        std::string arrived;
         std::vector<std::string> words;
         int status;
-        const char* out;
+        std::string out;
         const char* err;
         milliseconds least, most;
     } cases[] = {
-        {"\x01\x02", {"--timeout=2000", "recv", "2"}, 0, "01 02\n", "", milliseconds(0), milliseconds(1500)},
-        {"\x05", {"--timeout=1000", "recv", "2"}, 1, "05\n", "ovo serial: received 1 of 2 bytes\n", milliseconds(950), milliseconds(1700)},
-        {"", {"--timeout=0", "recv", "1"}, 1, "(nothing)\n", "ovo serial: received 0 of 1 bytes\n", milliseconds(0), milliseconds(1000)},
-        {"", {"--timeout=10", "recv", "4000000000"}, 1, "(nothing)\n", "ovo serial: received 0 of 4000000000 bytes\n",
-         milliseconds(0), milliseconds(1000)},
+        {"\x01\x02", {"serial", settings, "--timeout=2000", "recv", "2"}, 0, "01 02\n", "", milliseconds(0), milliseconds(1500)},
+        {"\x05", {"serial", settings, "--timeout=1000", "recv", "2"}, 1, "05\n", "ovo serial: received 1 of 2 bytes\n", milliseconds(950), milliseconds(1700)},
+        {"", {"serial", settings, "--timeout=0", "recv", "1"}, 1, "(nothing)\n", "ovo serial: received 0 of 1 bytes\n", milliseconds(0), milliseconds(1000)},
+        {"", {"serial", settings, "--timeout=10", "recv", "4000000000"}, 1, "(nothing)\n", "ovo serial: received 0 of 4000000000 bytes\n", milliseconds(0), milliseconds(1000)},
+        {std::string(5000, 'A'), {"serial", settings, "recv", "4097"}, 0, many41 + "41\n", "", milliseconds(0), milliseconds(1500)}, // pieces
     };
     for (const auto& c : cases) {
-        ASSERT_EQ(write(peer_, c.arrived, std::strlen(c.arrived)), static_cast<ssize_t>(std::strlen(c.arrived)));
-        std::vector<std::string> args{"serial", settings};
-        args.insert(args.end(), c.words.begin(), c.words.end());
+        ASSERT_EQ(write(peer_, c.arrived.data(), c.arrived.size()), static_cast<ssize_t>(c.arrived.size()));
         const auto start = std::chrono::steady_clock::now();
-        run = ovo(args);
+        run = ovo(c.words);
         const auto took = std::chrono::steady_clock::now() - start;
         EXPECT_EQ(run.status, c.status) << c.err;
         EXPECT_EQ(run.out, c.out);
