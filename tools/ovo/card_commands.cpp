@@ -109,7 +109,9 @@ int apduCommand(const std::vector<std::string>& args)
         allSucceeded = allSucceeded && successful(response);
     }
     reader.disconnect();
-    return allSucceeded ? 0 : 1;
+    if (!allSucceeded)
+        throw Failure("a response was no success");
+    return 0;
 }
 
 } // namespace ovo_tool

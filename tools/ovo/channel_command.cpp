@@ -1,8 +1,8 @@
 // ovo channel: messages of a message channel that other processes hold.
+#include "system_words.h"
 #include "tool.h"
 
 #include <ovo/ipc/message_channel.h>
-#include <ovo/number_parser.h>
 #include <ovo/strings.h>
 
 #include <chrono>
@@ -27,12 +27,37 @@ const char channelHelp[] =
     "          ovo channel reader-events send 7 --text='card inserted'\n"
     "          ovo channel reader-events recv 7\n";
 
-unsigned int identifier(const std::string& text)
+using ovo::ipc::MessageChannel;
+
+// The largest size that the live channel lets this process join with: above the size
+// its creator gave, the view fails with 5 (access denied). 0 when even the least fails.
+unsigned int largestSize(const std::string& name, unsigned int tooLarge)
+{
+    unsigned int fits = 0;
+    for (unsigned int low = MessageChannel::minimumSize, high = tooLarge - 1; low <= high;) {
+        const unsigned int size = low + (high - low) / 2;
+        try {
+            MessageChannel probe(name, size);
+            fits = size;
+            low = size + 1;
+        } catch (const std::exception&) {
+            high = size - 1;
+        }
+    }
+    return fits;
+}
+
+// The channel, or a Failure that says what to do about it.
+std::unique_ptr<MessageChannel> join(const std::string& name, unsigned int size)
 {
     try {
-        return ovo::NumberParser::parseUInt32(text);
-    } catch (const std::exception&) {
-        throw UsageError("a message identifier is a number, not '" + text + "'");
+        return std::unique_ptr<MessageChannel>(new MessageChannel(name, size));
+    } catch (const std::exception& error) {
+        const unsigned long code = errorCode(error.what());
+        const bool viewTooLarge = std::string(error.what()).rfind("::MapViewOfFile", 0) == 0 && code == 5;
+        if (const unsigned int fits = viewTooLarge ? largestSize(name, size) : 0)
+            throw Failure(ovo::format("channel '%s' exists with a smaller size; pass --size=%u or less", name.c_str(), fits));
+        throw Failure("cannot open channel '" + name + "': " + systemWords(code));
     }
 }
 
@@ -56,7 +81,7 @@ int channelCommand(const std::vector<std::string>& args)
     bool textGiven = false;
     long size = 65536;
     line.addText("text", "the body of a message to send, as text", text, &textGiven);
-    line.addNumber("size", "the channel's size in bytes (default 65536)", size);
+    line.addNumber("size", "the channel's size in bytes (default 65536)", size, MessageChannel::minimumSize, 0x7FFFFFFF);
     line.parse(args);
     if (line.printedHelp(channelHelp))
         return 0;
@@ -67,19 +92,13 @@ int channelCommand(const std::vector<std::string>& args)
                        ((action == "watch" || action == "count") && count == 2);
     if (!known)
         throw UsageError("ovo channel needs NAME and send, recv, watch or count; see ovo channel --help");
-    if (size < static_cast<long>(ovo::ipc::MessageChannel::minimumSize))
-        throw UsageError(ovo::format("--size must be at least %u", ovo::ipc::MessageChannel::minimumSize));
-    const unsigned int id = count > 2 ? identifier(words[2]) : 0;
+    if (words[0].find('\\') != std::string::npos) // the system's namespace separator
+        throw UsageError("a channel name has no backslash: '" + words[0] + "'");
+    const unsigned int id =
+        count > 2 ? static_cast<unsigned int>(number("a message identifier", words[2], action == "send" ? 1 : 0, 0xFFFFFFFF)) : 0;
     Bytes body = action != "send" ? Bytes() : textGiven ? Bytes(text.begin(), text.end()) : parseHex(words[3]);
-    if (action == "send" && id == 0)
-        throw UsageError("a message identifier is 1 or more (0 means any when receiving)");
     ovo::logger::ILogger& log = setUpLogging(line, "ovo.channel");
-    std::unique_ptr<ovo::ipc::MessageChannel> channel;
-    try {
-        channel.reset(new ovo::ipc::MessageChannel(words[0], static_cast<unsigned int>(size)));
-    } catch (const std::exception& error) {
-        throw Failure(error.what());
-    }
+    const std::unique_ptr<MessageChannel> channel = join(words[0], static_cast<unsigned int>(size));
     if (action == "send") {
         if (!channel->send(id, body.data(), static_cast<unsigned int>(body.size())))
             throw Failure("the channel is full (256 messages, or no room for the body)");
@@ -92,10 +111,8 @@ int channelCommand(const std::vector<std::string>& args)
         return 0;
     }
     if (action == "recv") {
-        if (!channel->recv(id, body)) {
-            std::cerr << "ovo: no message" << (id != 0 ? ovo::format(" with identifier %u", id) : std::string()) << '\n';
-            return 1;
-        }
+        if (!channel->recv(id, body))
+            throw Failure("no message" + (id != 0 ? ovo::format(" with identifier %u", id) : std::string()));
         std::cout << shown(body) << '\n';
         return 0;
     }

@@ -1,6 +1,7 @@
 #include "command_line.h"
 
 #include <ovo/number_parser.h>
+#include <ovo/strings.h>
 
 #include <iostream>
 
@@ -25,20 +26,24 @@ private:
 
 class NumberValue : public ovo::ProgramOptions::IOptionValue {
 public:
-    NumberValue(std::string name, long& value) : name_(std::move(name)), value_(value) {}
+    NumberValue(std::string name, long& value, long min, long max, bool* given)
+        : name_(std::move(name)), value_(value), min_(min), max_(max), given_(given)
+    {
+    }
     bool setValue(const std::string& text) override
     {
-        try {
-            value_ = ovo::NumberParser::parseInt32(text);
-        } catch (const std::exception&) {
-            throw UsageError("--" + name_ + " takes a decimal number, not '" + text + "'");
-        }
+        value_ = static_cast<long>(number("--" + name_, text, min_, max_));
+        if (given_ != nullptr)
+            *given_ = true;
         return true;
     }
 
 private:
     std::string name_;
     long& value_;
+    long min_;
+    long max_;
+    bool* given_;
 };
 
 class FlagValue : public ovo::ProgramOptions::IOptionValue {
@@ -52,11 +57,22 @@ private:
 
 } // namespace
 
+long long number(const std::string& what, const std::string& text, long long min, long long max)
+{
+    long long value = 0;
+    // The parser takes the empty text for 0; here it is no number.
+    const bool parsed = !text.empty() && ovo::NumberParser::tryParseInt64(text, value);
+    if (!parsed || value < min || value > max)
+        throw UsageError(ovo::format("%s is a number from %lld to %lld, not '%s'", what.c_str(), min, max, text.c_str()));
+    return value;
+}
+
 CommandLine::CommandLine()
 {
     values_.emplace_back(new FlagValue(help_));
     processor_.add("h", "help", "show this help", values_.back().get());
-    addNumber("log-level", "0 logs what happens, 1 the traffic too", logLevel_);
+    addNumber("log-level", "logs to the console too: 0 what happens, 1 the traffic too", logLevel_, 0, 1,
+              &logLevelGiven_);
     addText("log-dir", "also log into a daily file in DIR", logDirectory_);
 }
 
@@ -67,9 +83,10 @@ void CommandLine::addText(const std::string& name, const std::string& descriptio
     helpLines_.push_back("  --" + name + "=TEXT  " + description);
 }
 
-void CommandLine::addNumber(const std::string& name, const std::string& description, long& value)
+void CommandLine::addNumber(const std::string& name, const std::string& description, long& value, long min, long max,
+                            bool* given)
 {
-    values_.emplace_back(new NumberValue(name, value));
+    values_.emplace_back(new NumberValue(name, value, min, max, given));
     processor_.add("", name, description, values_.back().get());
     helpLines_.push_back("  --" + name + "=N  " + description);
 }

@@ -23,14 +23,19 @@ struct Failure : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+// The decimal number of the text, from min to max; UsageError "WHAT is a number from MIN
+// to MAX, not 'TEXT'" otherwise.
+long long number(const std::string& what, const std::string& text, long long min, long long max);
+
 class CommandLine {
 public:
     CommandLine();
 
     // --NAME=TEXT; `given` tells whether it came.
     void addText(const std::string& name, const std::string& description, std::string& value, bool* given = nullptr);
-    // --NAME=N, a decimal number.
-    void addNumber(const std::string& name, const std::string& description, long& value);
+    // --NAME=N, a decimal number from min to max.
+    void addNumber(const std::string& name, const std::string& description, long& value, long min, long max,
+                   bool* given = nullptr);
 
     // Binds the options; the other words stay, in order. Throws UsageError for a word
     // that looks like an option and is none, or a value that does not fit.
@@ -42,6 +47,8 @@ public:
     // Throws UsageError when any word is left.
     void expectNoWords(const std::string& subcommand) const;
     int logLevel() const { return static_cast<int>(logLevel_); }
+    // Whether --log-level came: the console shows the log only when asked for.
+    bool logLevelGiven() const { return logLevelGiven_; }
     const std::string& logDirectory() const { return logDirectory_; }
     // "  --name=VALUE  description" lines.
     std::string optionsHelp() const;
@@ -53,6 +60,7 @@ private:
     std::vector<std::string> words_;
     bool help_ = false;
     long logLevel_ = 0;
+    bool logLevelGiven_ = false;
     std::string logDirectory_;
 };
 

@@ -1,12 +1,8 @@
 // ovo hexdump: a file, or standard input, as the library's logs show byte traffic.
+#include "input_file.h"
 #include "tool.h"
 
 #include <ovo/strings.h>
-
-#include <cerrno>
-#include <cstring>
-#include <fstream>
-#include <iostream>
 
 namespace ovo_tool {
 namespace {
@@ -19,6 +15,19 @@ const char hexdumpHelp[] =
 
 const std::size_t chunkSize = 4096; // a multiple of 16: no line straddles two chunks
 
+// As many bytes as fit in the chunk, short only at the end (a pipe gives them piecemeal).
+std::size_t fill(InputFile& in, Bytes& chunk)
+{
+    std::size_t size = 0;
+    while (size < chunk.size()) {
+        const std::size_t count = in.read(chunk.data() + size, chunk.size() - size);
+        if (count == 0)
+            break;
+        size += count;
+    }
+    return size;
+}
+
 } // namespace
 
 int hexdumpCommand(const std::vector<std::string>& args)
@@ -29,28 +38,15 @@ int hexdumpCommand(const std::vector<std::string>& args)
         return 0;
     if (line.words().size() > 1)
         throw UsageError("ovo hexdump takes one file at most; see ovo hexdump --help");
-    const std::string path = line.words().empty() ? "-" : line.words()[0];
     ovo::logger::ILogger& log = setUpLogging(line, "ovo.hexdump");
-    std::ifstream file;
-    std::istream* in = &std::cin;
-    if (path != "-") {
-        file.open(path, std::ios::binary);
-        if (!file)
-            throw Failure("cannot open '" + path + "': " + std::strerror(errno));
-        in = &file;
-    }
-    log.info(ovo::format("reading %s", path == "-" ? "standard input" : path.c_str()));
+    InputFile in(line.words().empty() ? "-" : line.words()[0]);
+    log.info("reading " + in.name());
     Bytes chunk(chunkSize);
     unsigned long long total = 0;
-    while (in->read(reinterpret_cast<char*>(chunk.data()), static_cast<std::streamsize>(chunk.size())) ||
-           in->gcount() > 0) {
-        const auto size = static_cast<std::size_t>(in->gcount());
+    for (std::size_t size; (size = fill(in, chunk)) > 0; total += size) {
         log.traceHex(ovo::format("chunk at %llu starts with", total), chunk.data(), size < 8 ? static_cast<unsigned int>(size) : 8u);
         printDump(chunk.data(), size, total);
-        total += size;
     }
-    if (in->bad())
-        throw Failure(ovo::format("read error after %llu bytes", total));
     log.info(ovo::format("%llu bytes", total));
     return 0;
 }

@@ -28,8 +28,9 @@ int usage(std::ostream& out)
     for (const Subcommand& subcommand : subcommands)
         out << "  " << subcommand.name << std::string(10 - std::string(subcommand.name).size(), ' ')
             << subcommand.summary << '\n';
-    out << "\nEvery subcommand takes --help, --log-level=N (1 traces the traffic) and\n"
-           "--log-dir=DIR (a daily log file there). Exit status: 0 done, 1 failed, 2 usage.\n"
+    out << "\nEvery subcommand takes --help, --log-level=N (the log on standard error: 0 what\n"
+           "happens, 1 the traffic too) and --log-dir=DIR (a daily log file there). Exit status:\n"
+           "0 done, 1 failed, 2 a mistake in the words; a failure says why in one line.\n"
            "examples: ovo readers\n"
            "          ovo apdu '00 A4 00 0C 02 3F 00'\n"
            "          ovo serial --port='device=ttyUSB0;baud=9600' recv 4\n"
@@ -42,24 +43,25 @@ int usage(std::ostream& out)
 
 namespace ovo_tool {
 
-int runCommandLine(const std::vector<std::string>& words)
+int runCommandLine(const std::vector<std::string>& words, const std::string& location)
 {
     if (words.empty() || words[0] == "--help" || words[0] == "-h" || words[0] == "help")
         return words.empty() ? (usage(std::cerr), 2) : usage(std::cout);
     for (const Subcommand& subcommand : subcommands) {
         if (words[0] != subcommand.name)
             continue;
+        const std::string prefix = location + "ovo " + subcommand.name + ": ";
         try {
             return subcommand.run(std::vector<std::string>(words.begin() + 1, words.end()));
         } catch (const UsageError& error) {
-            std::cerr << "ovo " << subcommand.name << ": " << error.what() << '\n';
+            std::cerr << prefix << error.what() << '\n';
             return 2;
         } catch (const std::exception& error) {
-            std::cerr << "ovo " << subcommand.name << ": " << error.what() << '\n';
+            std::cerr << prefix << error.what() << '\n';
             return 1;
         }
     }
-    std::cerr << "ovo: unknown subcommand '" << words[0] << "'; see ovo --help\n";
+    std::cerr << location << "ovo: unknown subcommand '" << words[0] << "'; see ovo --help\n";
     return 2;
 }
 

@@ -1,13 +1,10 @@
 // ovo script: command lines of the tool from a file or standard input, one a line.
+#include "input_file.h"
 #include "tool.h"
 
 #include <ovo/strings.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <fstream>
-#include <iostream>
 
 namespace ovo_tool {
 namespace {
@@ -17,7 +14,8 @@ const char scriptHelp[] =
     "Runs the ovo command lines of FILE (standard input without one, or with -) in order,\n"
     "one a line, without the word ovo. Blank lines and lines that start with # are\n"
     "skipped. Words are separated by blanks; a word that starts with a double quote runs\n"
-    "to the next one. The first line that fails ends the script with its exit status.\n"
+    "to the next one. The first line that fails ends the script with its exit status;\n"
+    "its one line on standard error starts with FILE:LINE:.\n"
     "example of a script:\n"
     "  # the master file, then 16 bytes of the current file\n"
     "  apdu \"00 A4 00 0C 02 3F 00\"\n"
@@ -33,16 +31,9 @@ int scriptCommand(const std::vector<std::string>& args)
         return 0;
     if (line.words().size() > 1)
         throw UsageError("ovo script takes one file at most; see ovo script --help");
-    const std::string path = line.words().empty() ? "-" : line.words()[0];
-    std::ifstream file;
-    if (path != "-") {
-        file.open(path);
-        if (!file)
-            throw Failure("cannot open '" + path + "': " + std::strerror(errno));
-    }
-    std::istream& in = path == "-" ? std::cin : file;
+    InputFile in(line.words().empty() ? "-" : line.words()[0]);
     int number = 0;
-    for (std::string text; std::getline(in, text);) {
+    for (std::string text; in.readLine(text);) {
         ++number;
         if (!text.empty() && text.back() == '\r')
             text.pop_back();
@@ -52,11 +43,10 @@ int scriptCommand(const std::vector<std::string>& args)
             continue;
         if (words[0] == "script")
             throw UsageError(ovo::format("line %d: a script does not run scripts", number));
-        const int status = runCommandLine(words);
-        if (status != 0) {
-            std::cerr << "ovo script: line " << number << " ended with status " << status << '\n';
+        // The failing line says what went wrong itself, behind where it stands.
+        const int status = runCommandLine(words, ovo::format("%s:%d: ", in.name().c_str(), number));
+        if (status != 0)
             return status;
-        }
     }
     return 0;
 }

@@ -1,10 +1,13 @@
 // ovo serial: send to a serial device, receive from it, or watch its traffic.
+#include "bounded_port.h"
+#include "system_words.h"
 #include "tool.h"
 
 #include <ovo/io/serial_config.h>
 #include <ovo/io/serial_io.h>
-#include <ovo/number_parser.h>
+#include <ovo/strings.h>
 
+#include <chrono>
 #include <iostream>
 
 namespace ovo_tool {
@@ -13,13 +16,56 @@ namespace {
 const char serialHelp[] =
     "usage: ovo serial --port=SETTINGS [--timeout=MS] [OPTIONS] send HEX | recv N | monitor\n"
     "SETTINGS is the serial configuration's text form, e.g. \"device=ttyUSB0;baud=9600;data=8;\n"
-    "parity=none;stop=1\" (device: a name under /dev, or an absolute path).\n"
+    "parity=none;stop=1\" (device: a name under /dev, or an absolute path; data: 5 to 8;\n"
+    "parity: none, even or odd; stop: 1, 1.5 or 2; flow: off, software or hardware).\n"
     "  send HEX   sends the bytes\n"
-    "  recv N     waits up to the time-out (1000 ms) for N bytes and prints them; exit status\n"
-    "             1 when fewer came\n"
+    "  recv N     waits up to the time-out for N bytes and prints them; exit status 1 when\n"
+    "             fewer came\n"
     "  monitor    prints what arrives as a dump until interrupted (Ctrl-C)\n"
+    "--timeout bounds the whole of send and recv; --timeout=0 moves only what moves at once.\n"
     "examples: ovo serial --port='device=ttyUSB0;baud=115200' send '02 41 03'\n"
     "          ovo serial --port='device=/dev/pts/3' --timeout=500 recv 3\n";
+
+const unsigned int quietMs = 100;
+
+// The configuration of the text form. A setting that it does not take (a key it does not
+// know, a word none of its values) would be dropped silently: a UsageError here.
+ovo::io::SerialConfig portSettings(const std::string& text)
+{
+    ovo::io::SerialConfig config;
+    try {
+        config = ovo::io::SerialConfig::fromString(text);
+    } catch (const std::exception&) { // the one failure of the form: a number that is none
+        throw UsageError("bad --port settings '" + text + "': baud and data take decimal numbers");
+    }
+    const std::string taken = ";" + config.toString();
+    for (const std::string& setting : ovo::SplitString(text, ";", false))
+        if (!setting.empty() && taken.find(";" + setting.substr(0, setting.find('=')) + "=") == std::string::npos)
+            throw UsageError("bad --port setting '" + setting + "'; see ovo serial --help");
+    return config;
+}
+
+std::string devicePath(const ovo::io::SerialConfig& config)
+{
+    const std::string& name = config.deviceName();
+    return name[0] == '/' ? name : "/dev/" + name;
+}
+
+// The open device, or a Failure that says what to do about it.
+std::unique_ptr<ovo::io::SerialIO> openDevice(const ovo::io::SerialConfig& config, ovo::logger::ILogger& log)
+{
+    try {
+        return std::unique_ptr<ovo::io::SerialIO>(new ovo::io::SerialIO(config, log));
+    } catch (const std::exception& error) {
+        const std::string path = devicePath(config);
+        const unsigned long code = errorCode(error.what());
+        if (std::string(error.what()).rfind("::GetCommState", 0) == 0)
+            throw Failure(path + " is not a serial device: " + systemWords(code));
+        if (code == 2 || code == 3) // the file or the path not found
+            throw Failure("no such serial device: " + path);
+        throw Failure("cannot open " + path + ": " + systemWords(code));
+    }
+}
 
 } // namespace
 
@@ -29,7 +75,8 @@ int serialCommand(const std::vector<std::string>& args)
     std::string port;
     long timeout = 1000;
     line.addText("port", "the port's settings (device=...;baud=...;...)", port);
-    line.addNumber("timeout", "milliseconds a transfer may take (default 1000)", timeout);
+    line.addNumber("timeout", "milliseconds the whole command may take (default 1000; 0: at once)", timeout, 0,
+                   0x7FFFFFFF);
     line.parse(args);
     if (line.printedHelp(serialHelp))
         return 0;
@@ -38,55 +85,44 @@ int serialCommand(const std::vector<std::string>& args)
     const bool known = (action == "send" || action == "recv") ? words.size() == 2 : action == "monitor" && words.size() == 1;
     if (!known)
         throw UsageError("ovo serial needs send HEX, recv N or monitor; see ovo serial --help");
-    if (timeout < 0)
-        throw UsageError("--timeout takes milliseconds, 0 or more");
-    ovo::io::SerialConfig config;
-    try {
-        config = ovo::io::SerialConfig::fromString(port);
-    } catch (const std::exception& error) {
-        throw UsageError("bad --port settings '" + port + "': " + error.what());
-    }
+    ovo::io::SerialConfig config = portSettings(port);
     if (config.deviceName().empty())
         throw UsageError("--port needs device=NAME; see ovo serial --help");
-    const unsigned int limit = static_cast<unsigned int>(timeout);
-    // monitor: whatever came within 100 ms of quiet; the others: the time-out as a total.
-    config.setCommTimeouts(action == "monitor" ? ovo::io::SerialTimeouts{50, 100, 0, limit, 0}
-                                               : ovo::io::SerialTimeouts{0, limit, 0, limit, 0});
+    // monitor: whatever came within 100 ms of quiet; send and recv set their own.
+    config.setCommTimeouts({50, quietMs, 0, 1, 0});
     config.setBuffersSize({4096, 4096});
-    Bytes bytes = action == "send" ? parseHex(words[1]) : Bytes();
-    unsigned int wanted = 0;
-    if (action == "recv") {
-        try {
-            wanted = ovo::NumberParser::parseUInt32(words[1]);
-        } catch (const std::exception&) {
-            throw UsageError("recv takes a number of bytes, not '" + words[1] + "'");
-        }
-    }
+    const Bytes bytes = action == "send" ? parseHex(words[1]) : Bytes();
+    const unsigned long long wanted = action == "recv" ? number("the count of recv", words[1], 1, 0xFFFFFFFF) : 0;
     ovo::logger::ILogger& log = setUpLogging(line, "ovo.serial");
-    std::unique_ptr<ovo::io::SerialIO> device;
-    try {
-        device.reset(new ovo::io::SerialIO(config, log));
-    } catch (const std::exception& error) {
-        throw Failure(error.what());
-    }
+    const std::unique_ptr<ovo::io::SerialIO> device = openDevice(config, log);
+    BoundedPort bounded(*device, std::chrono::milliseconds(timeout));
     if (action == "send") {
-        const unsigned int sent = device->send(bytes.data(), static_cast<unsigned int>(bytes.size()));
+        const std::size_t sent = bounded.send(bytes.data(), bytes.size());
         std::cout << "sent " << sent << " of " << bytes.size() << " bytes\n";
-        return sent == bytes.size() ? 0 : 1;
+        if (sent != bytes.size())
+            throw Failure(ovo::format("the device took %zu of %zu bytes", sent, bytes.size()));
+        return 0;
     }
     if (action == "recv") {
-        bytes.resize(wanted);
-        bytes.resize(device->recv(bytes.data(), wanted));
-        std::cout << (bytes.empty() ? std::string("(nothing)") : hex(bytes)) << '\n';
-        if (bytes.size() != wanted)
-            std::cerr << "ovo: received " << bytes.size() << " of " << wanted << " bytes\n";
-        return bytes.size() == wanted ? 0 : 1;
+        const char* separator = "";
+        const unsigned long long received = bounded.receive(wanted, [&](const unsigned char* data, std::size_t size) {
+            std::cout << separator << hex(Bytes(data, data + size));
+            separator = " ";
+        });
+        std::cout << (received == 0 ? "(nothing)\n" : "\n");
+        if (received != wanted)
+            throw Failure(ovo::format("received %llu of %llu bytes", received, wanted));
+        return 0;
     }
     watchInterrupts();
     unsigned long long offset = 0;
     Bytes chunk(256);
     while (!interrupted()) {
+        const auto start = std::chrono::steady_clock::now();
         const unsigned int count = device->recv(chunk.data(), static_cast<unsigned int>(chunk.size()));
+        // Nothing, before the quiet time passed: the read failed (unplugged, or the peer closed).
+        if (count == 0 && std::chrono::steady_clock::now() - start < std::chrono::milliseconds(quietMs / 2))
+            throw Failure(devicePath(config) + " went away");
         if (count == 0)
             continue;
         printDump(chunk.data(), count, offset);

@@ -7,37 +7,54 @@
 #include <ovo/strings.h>
 
 #include <atomic>
+#include <cerrno>
 #include <csignal>
-#include <iostream>
+#include <cstring>
 #include <ctime>
+#include <iostream>
 #include <memory>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace ovo_tool {
+namespace {
+
+// The reason a directory cannot take log files (the log would lose them silently); 0 when it can.
+int unfitForLogs(const std::string& directory)
+{
+    struct stat status = {};
+    if (stat(directory.c_str(), &status) != 0)
+        return errno;
+    if (!S_ISDIR(status.st_mode))
+        return ENOTDIR;
+    return access(directory.c_str(), W_OK | X_OK) != 0 ? errno : 0;
+}
+
+} // namespace
 
 ovo::logger::ILogger& setUpLogging(const CommandLine& line, const std::string& name)
 {
     using namespace ovo::logger;
-    static bool rootAdded = false;
-    if (rootAdded) {
-        ILogger& logger = get(name);
-        logger.setLevel(line.logLevel());
-        return logger;
+    const std::string& directory = line.logDirectory();
+    if (const int reason = directory.empty() ? 0 : unfitForLogs(directory))
+        throw Failure("cannot log into '" + directory + "': " + std::strerror(reason));
+    auto both = std::make_shared<SplitLogChannel>();
+    if (line.logLevelGiven()) {
+        // Without --log-level the console shows only what the tool says: a failure the
+        // library logs before it throws is told once, by the tool.
+        auto console = std::make_shared<ConsoleLogChannel>();
+        console->setFormatter(std::make_shared<ConsoleFormatter>());
+        both->add(console);
     }
-    rootAdded = true;
-    auto console = std::make_shared<ConsoleLogChannel>();
-    console->setFormatter(std::make_shared<ConsoleFormatter>());
-    std::shared_ptr<ILogChannel> root = console;
-    if (!line.logDirectory().empty()) {
-        auto file = std::make_shared<FileLogChannel>(line.logDirectory(), "ovo");
+    if (!directory.empty()) {
+        auto file = std::make_shared<FileLogChannel>(directory, "ovo");
         file->setFormatter(std::make_shared<SimpleFormatter>());
         file->setProperty(FileLogChannel::PropertyRollingHeader, "# ovo tool log\n");
-        auto both = std::make_shared<SplitLogChannel>();
-        both->add(console);
         both->add(file);
-        root = both;
     }
-    add("", root);
+    // Set on every call: each line of a script has its own options.
     ILogger& logger = get(name);
+    logger.setChannel(both);
     logger.setLevel(line.logLevel());
     return logger;
 }

@@ -22,12 +22,13 @@ int channelCommand(const std::vector<std::string>& args);
 int hexdumpCommand(const std::vector<std::string>& args);
 int scriptCommand(const std::vector<std::string>& args);
 int demoCommand(const std::vector<std::string>& args);
-// One command line of the tool, the subcommand first; gives its exit status.
-int runCommandLine(const std::vector<std::string>& words);
+// One command line of the tool, the subcommand first; gives its exit status. A failure
+// is one line on standard error, after the location of the line when it has one.
+int runCommandLine(const std::vector<std::string>& words, const std::string& location = std::string());
 
-// The root channel: the console (standard error, ConsoleFormatter), and with a directory
-// also a daily file there (SimpleFormatter); set up once a process, by the first
-// subcommand that runs. Gives the logger of the subcommand, at the level of its line.
+// The logger of the subcommand, at the level of its line: to the console (standard error,
+// ConsoleFormatter) when --log-level came, to a daily file (SimpleFormatter) in the
+// directory of --log-dir. Throws Failure when that directory cannot take a log.
 ovo::logger::ILogger& setUpLogging(const CommandLine& line, const std::string& name);
 // The path of today's log file of the directory (empty without one).
 std::string logFilePath(const std::string& directory);

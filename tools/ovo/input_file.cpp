@@ -1,0 +1,53 @@
+#include "input_file.h"
+
+#include "command_line.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace ovo_tool {
+
+InputFile::InputFile(const std::string& path)
+    : name_(path == "-" ? "standard input" : path),
+      descriptor_(path == "-" ? STDIN_FILENO : open(path.c_str(), O_RDONLY))
+{
+    if (descriptor_ < 0)
+        throw Failure("cannot open '" + path + "': " + std::strerror(errno));
+}
+
+InputFile::~InputFile()
+{
+    if (descriptor_ != STDIN_FILENO)
+        close(descriptor_);
+}
+
+std::size_t InputFile::read(unsigned char* buffer, std::size_t size)
+{
+    ssize_t count;
+    do
+        count = ::read(descriptor_, buffer, size);
+    while (count < 0 && errno == EINTR);
+    if (count < 0)
+        throw Failure("cannot read '" + name_ + "': " + std::strerror(errno));
+    return static_cast<std::size_t>(count);
+}
+
+bool InputFile::readLine(std::string& line)
+{
+    std::size_t end;
+    while ((end = pending_.find('\n')) == std::string::npos && !ended_) {
+        unsigned char chunk[4096];
+        const std::size_t count = read(chunk, sizeof chunk);
+        ended_ = count == 0;
+        pending_.append(reinterpret_cast<const char*>(chunk), count);
+    }
+    if (pending_.empty())
+        return false;
+    line = pending_.substr(0, end);
+    pending_.erase(0, end == std::string::npos ? end : end + 1);
+    return true;
+}
+
+} // namespace ovo_tool
