@@ -6,7 +6,6 @@
 #include <cstring>
 
 namespace ovo_fake {
-
 namespace {
 
 SerialScript script;
@@ -19,10 +18,31 @@ std::vector<unsigned char> bytesOf(const DCB& dcb)
     return std::vector<unsigned char>(raw, raw + sizeof dcb);
 }
 
-BOOL fail(DWORD code)
+BOOL called(const std::string& call, DWORD error = 0)
 {
-    lastError = code;
-    return FALSE;
+    script.calls.push_back(call);
+    lastError = error;
+    return error == 0 ? TRUE : FALSE;
+}
+
+std::string numbers(std::initializer_list<unsigned long> values)
+{
+    std::string text;
+    for (unsigned long value : values)
+        text += (text.empty() ? "(" : ", ") + std::to_string(value);
+    return text + ")";
+}
+
+BOOL transfer(const char* call, std::deque<Transfer>& transfers, void* buffer, DWORD size, LPDWORD done)
+{
+    if (transfers.empty())
+        return called(call + numbers({size}), ERROR_GEN_FAILURE);
+    const Transfer next = transfers.front();
+    transfers.pop_front();
+    if (buffer != nullptr) // no more is copied than both the buffer and the count allow
+        std::memcpy(buffer, next.bytes.data(), std::min<std::size_t>({next.bytes.size(), size, next.count}));
+    *done = next.count;
+    return called(call + numbers({size}), next.ok ? 0 : ERROR_GEN_FAILURE);
 }
 
 } // namespace
@@ -37,7 +57,6 @@ void resetSerialScript()
     dcb.BaudRate = 9600;
     dcb.ByteSize = 8;
     script.deviceDcb = bytesOf(dcb);
-    lastError = 0;
 }
 
 } // namespace ovo_fake
@@ -46,102 +65,59 @@ namespace ovo {
 namespace platform {
 namespace serial {
 
-using ovo_fake::script;
+using namespace ovo_fake;
 
-HANDLE CreateFileA(LPCSTR fileName, DWORD desiredAccess, DWORD shareMode, LPSECURITY_ATTRIBUTES, DWORD disposition,
-                   DWORD attributes, HANDLE)
+HANDLE CreateFileA(LPCSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES, DWORD disposition, DWORD attributes,
+                   HANDLE)
 {
-    script.calls.push_back("CreateFileA");
-    script.openedPath = fileName;
-    script.openedAccess = desiredAccess;
-    script.openedShare = shareMode;
-    script.openedDisposition = disposition;
-    script.openedAttributes = attributes;
-    if (script.openError != 0) {
-        ovo_fake::lastError = script.openError;
-        return INVALID_HANDLE_VALUE;
-    }
-    return ovo_fake::fakeHandle;
+    const std::string call = "CreateFileA(" + std::string(name) + ", " + numbers({access, share, disposition, attributes}).substr(1);
+    return called(call, script.openError) ? fakeHandle : INVALID_HANDLE_VALUE;
 }
 
-BOOL CloseHandle(HANDLE file)
-{
-    script.calls.push_back("CloseHandle");
-    script.closes += file == ovo_fake::fakeHandle ? 1 : 0;
-    return TRUE;
-}
+BOOL CloseHandle(HANDLE file) { return called(file == fakeHandle ? "CloseHandle" : "CloseHandle(foreign)"); }
 
 BOOL GetCommState(HANDLE, LPDCB dcb)
 {
-    script.calls.push_back("GetCommState");
-    if (script.getStateError != 0)
-        return ovo_fake::fail(script.getStateError);
-    std::memcpy(dcb, script.deviceDcb.data(), sizeof(DCB));
-    return TRUE;
+    if (script.getStateError == 0)
+        std::memcpy(dcb, script.deviceDcb.data(), sizeof(DCB));
+    return called("GetCommState", script.getStateError);
 }
 
 BOOL SetCommState(HANDLE, LPDCB dcb)
 {
-    script.calls.push_back("SetCommState");
-    script.dcbsSet.push_back(ovo_fake::bytesOf(*dcb));
-    return TRUE;
+    script.dcbsSet.push_back(bytesOf(*dcb));
+    return called("SetCommState");
 }
 
 BOOL SetCommTimeouts(HANDLE, LPCOMMTIMEOUTS t)
 {
-    script.calls.push_back("SetCommTimeouts");
-    script.timeoutsSet.push_back({t->ReadIntervalTimeout, t->ReadTotalTimeoutMultiplier, t->ReadTotalTimeoutConstant,
-                                  t->WriteTotalTimeoutMultiplier, t->WriteTotalTimeoutConstant});
-    return TRUE;
+    return called("SetCommTimeouts" + numbers({t->ReadIntervalTimeout, t->ReadTotalTimeoutMultiplier,
+                                                t->ReadTotalTimeoutConstant, t->WriteTotalTimeoutMultiplier,
+                                                t->WriteTotalTimeoutConstant}));
 }
 
-BOOL SetupComm(HANDLE, DWORD inQueue, DWORD outQueue)
+BOOL SetupComm(HANDLE, DWORD in, DWORD out) { return called("SetupComm" + numbers({in, out})); }
+
+BOOL ReadFile(HANDLE, LPVOID buffer, DWORD size, LPDWORD done, LPOVERLAPPED)
 {
-    script.calls.push_back("SetupComm");
-    script.queueSizes.emplace_back(inQueue, outQueue);
-    return TRUE;
+    return transfer("ReadFile", script.reads, buffer, size, done);
 }
 
-BOOL ReadFile(HANDLE, LPVOID buffer, DWORD bytesToRead, LPDWORD bytesRead, LPOVERLAPPED)
+BOOL WriteFile(HANDLE, LPCVOID, DWORD size, LPDWORD done, LPOVERLAPPED)
 {
-    script.readSizes.push_back(bytesToRead);
-    if (script.reads.empty())
-        return ovo_fake::fail(ERROR_GEN_FAILURE);
-    const ovo_fake::Transfer next = script.reads.front();
-    script.reads.pop_front();
-    // The count is what the device reports, however long the buffer: no more is copied
-    // than both allow.
-    std::memcpy(buffer, next.bytes.data(), std::min<std::size_t>({next.bytes.size(), bytesToRead, next.count}));
-    *bytesRead = next.count;
-    return next.ok ? TRUE : ovo_fake::fail(ERROR_GEN_FAILURE);
-}
-
-BOOL WriteFile(HANDLE, LPCVOID, DWORD bytesToWrite, LPDWORD bytesWritten, LPOVERLAPPED)
-{
-    script.writeSizes.push_back(bytesToWrite);
-    if (script.writes.empty())
-        return ovo_fake::fail(ERROR_GEN_FAILURE);
-    const ovo_fake::Transfer next = script.writes.front();
-    script.writes.pop_front();
-    *bytesWritten = next.count;
-    return next.ok ? TRUE : ovo_fake::fail(ERROR_GEN_FAILURE);
+    return transfer("WriteFile", script.writes, nullptr, size, done);
 }
 
 BOOL ClearCommError(HANDLE, LPDWORD, LPCOMSTAT status)
 {
-    if (script.statusFails)
-        return ovo_fake::fail(ERROR_INVALID_HANDLE);
-    status->cbInQue = script.inQueue;
-    return TRUE;
+    if (!script.statusFails)
+        status->cbInQue = script.inQueue;
+    return called("ClearCommError", script.statusFails ? ERROR_INVALID_HANDLE : 0);
 }
 
-BOOL PurgeComm(HANDLE, DWORD flags)
-{
-    script.purges.push_back(flags);
-    return TRUE;
-}
+BOOL PurgeComm(HANDLE, DWORD flags) { return called("PurgeComm" + numbers({flags})); }
 
-DWORD GetLastError() { return ovo_fake::lastError; }
+DWORD GetLastError() { return lastError; }
 
 } // namespace serial
 } // namespace platform
