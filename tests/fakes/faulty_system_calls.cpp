@@ -12,30 +12,22 @@
 namespace ovo_fake {
 namespace {
 
-struct Script {
-    int error = 0;
-    int times = 0;
-    int passing = 0;
-    int calls = 0;
+struct Failure {
+    int error, times, passing;
 };
 
 std::mutex lock;
-std::map<std::string, Script> scripts;
+std::map<std::string, Failure> failures;
 
 // True when this call of `name` is to fail; errno is set then.
-bool fails(const std::string& name)
+bool fails(const char* name)
 {
     std::lock_guard<std::mutex> guard(lock);
-    Script& script = scripts[name];
-    ++script.calls;
-    if (script.times == 0)
+    const auto failure = failures.find(name);
+    if (failure == failures.end() || failure->second.times == 0 || failure->second.passing-- > 0)
         return false;
-    if (script.passing > 0) {
-        --script.passing;
-        return false;
-    }
-    --script.times;
-    errno = script.error;
+    --failure->second.times;
+    errno = failure->second.error;
     return true;
 }
 
@@ -44,22 +36,10 @@ bool fails(const std::string& name)
 void failCall(const std::string& call, int error, int times, int passing)
 {
     std::lock_guard<std::mutex> guard(lock);
-    Script& script = scripts[call];
-    script.error = error;
-    script.times = times;
-    script.passing = passing;
-}
-
-void clearFailures()
-{
-    std::lock_guard<std::mutex> guard(lock);
-    scripts.clear();
-}
-
-int callsOf(const std::string& call)
-{
-    std::lock_guard<std::mutex> guard(lock);
-    return scripts[call].calls;
+    if (error == 0)
+        failures.clear();
+    else
+        failures[call] = Failure{error, times, passing};
 }
 
 } // namespace ovo_fake

@@ -10,11 +10,8 @@ namespace ovo_fake {
 
 // The call named ("open", "read", "write", "ftruncate", "rename", "fsync") fails with
 // errno `error` `times` times in a row, after `passing` more calls of it have passed.
+// An `error` of 0 clears every failure.
 void failCall(const std::string& call, int error, int times = 1, int passing = 0);
-// No failures scripted any more.
-void clearFailures();
-// How many times the call was made since the last clearFailures().
-int callsOf(const std::string& call);
 
 } // namespace ovo_fake
 

@@ -223,8 +223,10 @@ LONG readValue(const std::string& path, LPDWORD type, LPBYTE data, LPDWORD size)
         return errno == ENOENT || errno == ENOTDIR ? ERROR_FILE_NOT_FOUND : errorOf(errno);
     char header[headerSize];
     LONG result = ERROR_SUCCESS;
-    if (static_cast<std::size_t>(status.st_size) < headerSize || !readExactly(fd, header, headerSize) ||
-        std::memcmp(header, valueMagic, sizeof valueMagic) != 0) {
+    if (static_cast<std::size_t>(status.st_size) >= headerSize && !readExactly(fd, header, headerSize)) {
+        result = errorOf(errno);
+    } else if (static_cast<std::size_t>(status.st_size) < headerSize ||
+               std::memcmp(header, valueMagic, sizeof valueMagic) != 0) {
         result = ERROR_FILE_NOT_FOUND; // not written by this store
     } else {
         const DWORD length = static_cast<DWORD>(status.st_size - headerSize);
