@@ -124,9 +124,9 @@ int main(int argc, char** argv)
     for (const char* operation : {"Set", "Query"})
         for (long others : otherCounts)
             for (long size : valueSizes)
-                comparisons.push_back({std::string("registry") + operation + "/" + std::to_string(others) + "/" +
-                                           std::to_string(size),
-                                       std::string("floor") + operation + "/" + std::to_string(size), 0});
+                comparisons.push_back(
+                    {std::string("registry") + operation + "/" + std::to_string(others) + "/" + std::to_string(size),
+                     std::string("floor") + operation + "/" + std::to_string(size), 0});
     const int status = ovo_bench::runAndCompare(argc, argv, comparisons);
     std::filesystem::remove_all(benchDirectory());
     return status;

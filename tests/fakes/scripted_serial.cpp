@@ -70,7 +70,8 @@ using namespace ovo_fake;
 HANDLE CreateFileA(LPCSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES, DWORD disposition, DWORD attributes,
                    HANDLE)
 {
-    const std::string call = "CreateFileA(" + std::string(name) + ", " + numbers({access, share, disposition, attributes}).substr(1);
+    const std::string call =
+        "CreateFileA(" + std::string(name) + ", " + numbers({access, share, disposition, attributes}).substr(1);
     return called(call, script.openError) ? fakeHandle : INVALID_HANDLE_VALUE;
 }
 
@@ -91,9 +92,9 @@ BOOL SetCommState(HANDLE, LPDCB dcb)
 
 BOOL SetCommTimeouts(HANDLE, LPCOMMTIMEOUTS t)
 {
-    return called("SetCommTimeouts" + numbers({t->ReadIntervalTimeout, t->ReadTotalTimeoutMultiplier,
-                                                t->ReadTotalTimeoutConstant, t->WriteTotalTimeoutMultiplier,
-                                                t->WriteTotalTimeoutConstant}));
+    return called("SetCommTimeouts" +
+                  numbers({t->ReadIntervalTimeout, t->ReadTotalTimeoutMultiplier, t->ReadTotalTimeoutConstant,
+                           t->WriteTotalTimeoutMultiplier, t->WriteTotalTimeoutConstant}));
 }
 
 BOOL SetupComm(HANDLE, DWORD in, DWORD out) { return called("SetupComm" + numbers({in, out})); }

@@ -50,9 +50,9 @@ TEST_F(ScriptedPort, OpensExclusivelyConfiguresInOrderAndCloses)
         SerialIO port(config);
         port.purge();
     }
-    EXPECT_EQ(serialScript().calls, (Calls{"CreateFileA(\\\\.\\COM3, 3221225472, 0, 3, 128)", "GetCommState",
-                                           "SetCommState", "SetCommTimeouts(1, 3, 2, 5, 4)", "SetupComm(4096, 1024)",
-                                           "PurgeComm(12)", "CloseHandle"}));
+    EXPECT_EQ(serialScript().calls,
+              (Calls{"CreateFileA(\\\\.\\COM3, 3221225472, 0, 3, 128)", "GetCommState", "SetCommState",
+                     "SetCommTimeouts(1, 3, 2, 5, 4)", "SetupComm(4096, 1024)", "PurgeComm(12)", "CloseHandle"}));
     EXPECT_EQ(serialScript().dcbsSet, std::vector<std::vector<unsigned char>>{serialScript().deviceDcb})
         << "nothing given: the device's own block goes back unchanged";
 }
@@ -137,11 +137,11 @@ TEST_F(ScriptedPort, TransfersGoOnAfterPartialAttemptsAndTraceEach)
     Calls titles;
     for (const std::string& message : channel->messages())
         titles.push_back(message.substr(0, message.find('\n')));
-    EXPECT_EQ(titles, (Calls{"openDevice( 'COM3' ) OK", "recv <- [ 1 of 3 ]: ", "recv <- [ 1 of 2 ]: ",
-                             "recv <- [ 1 ]: ", "recv <- [ 4 of 10 ]: ", "send -> [ 2 of 6 ]: ", "send -> [ 4 ]: ",
-                             "send -> [ 3 of 6 ]: "}));
-    EXPECT_EQ(channel->messages().at(6), "send -> [ 4 ]: \n03 04 05 06" + std::string(37, ' ') + "| ...." +
-                                             std::string(12, ' '));
+    EXPECT_EQ(titles,
+              (Calls{"openDevice( 'COM3' ) OK", "recv <- [ 1 of 3 ]: ", "recv <- [ 1 of 2 ]: ", "recv <- [ 1 ]: ",
+                     "recv <- [ 4 of 10 ]: ", "send -> [ 2 of 6 ]: ", "send -> [ 4 ]: ", "send -> [ 3 of 6 ]: "}));
+    EXPECT_EQ(channel->messages().at(6),
+              "send -> [ 4 ]: \n03 04 05 06" + std::string(37, ' ') + "| ...." + std::string(12, ' '));
 }
 
 TEST_F(ScriptedPort, AvailableIsZeroWhenTheStatusFails)

@@ -37,31 +37,24 @@ protected:
         char name[256] = {};
         ASSERT_EQ(::openpty(&master, &slave, name, nullptr, nullptr), 0);
         slaveName = name;
-        logger = &ovo::logger::add(std::string("serial.") + testing::UnitTest::GetInstance()->current_test_info()->name(),
-                                   channel);
-        logger->setLevel(1);
+        logger.setLevel(1);
     }
     void TearDown() override
     {
-        if (master >= 0)
-            ::close(master);
+        ::close(master);
         ::close(slave);
     }
 
     SerialConfig config(const SerialTimeouts& timeouts) const
     {
-        SerialConfig c;
-        c.setDeviceName(slaveName);
+        SerialConfig c = SerialConfig::fromString("device=" + slaveName);
         c.setCommTimeouts(timeouts);
-        c.setBuffersSize({4096, 4096});
         return c;
     }
-
     void deviceSends(const std::string& bytes) const
     {
         ASSERT_EQ(::write(master, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
     }
-
     std::vector<std::string> titles() const
     {
         std::vector<std::string> result;
@@ -70,55 +63,43 @@ protected:
         return result;
     }
 
-    int master = -1;
-    int slave = -1;
+    int master = -1, slave = -1;
     std::string slaveName;
     std::shared_ptr<ovo_test::RecordingChannel> channel = std::make_shared<ovo_test::RecordingChannel>();
-    ovo::logger::ILogger* logger = nullptr;
+    ovo::logger::ILogger& logger = ovo::logger::add("serial", channel);
 };
 
 } // namespace
 
+// What is no terminal is refused: by the open when it is no character device (a FIFO
+// would block), by GetCommState otherwise. The code stands in both messages.
 TEST(SerialIO, WhatIsNoSerialDeviceIsNotOpened)
 {
     ovo_test::TempDir dir;
     const std::string fifo = (dir.path() / "fifo").string();
     ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
     const struct {
-        std::string name, error;
-    } cases[] = {{"ttyOVO_NONE", "2"}, {fifo, "5"}, {dir.string(), "5"}};
+        std::string name, what, info;
+    } cases[] = {{"ttyOVO_NONE", "can't open 'ttyOVO_NONE'. error = 2", "openDevice( 'ttyOVO_NONE' ) failed: 2"},
+                 {fifo, "can't open '" + fifo + "'. error = 5", "openDevice( '" + fifo + "' ) failed: 5"},
+                 {dir.string(), "can't open '" + dir.string() + "'. error = 5",
+                  "openDevice( '" + dir.string() + "' ) failed: 5"},
+                 {"/dev/null", "::GetCommState( '/dev/null' ) failed. error = 1", "openDevice( '/dev/null' ) OK"}};
     for (const auto& c : cases) {
         auto channel = std::make_shared<ovo_test::RecordingChannel>();
-        SerialConfig config;
-        config.setDeviceName(c.name);
         try {
-            SerialIO port(config, ovo::logger::add("serial.none", channel));
+            SerialIO port(SerialConfig::fromString("device=" + c.name), ovo::logger::add("serial.none", channel));
             ADD_FAILURE() << c.name << ": no exception";
         } catch (const std::runtime_error& e) {
-            EXPECT_EQ(e.what(), "can't open '" + c.name + "'. error = " + c.error);
+            EXPECT_EQ(e.what(), c.what);
         }
-        EXPECT_EQ(channel->messages(), std::vector<std::string>{"openDevice( '" + c.name + "' ) failed: " + c.error});
+        EXPECT_EQ(channel->messages(), std::vector<std::string>{c.info});
     }
-    SerialConfig config;
-    config.setDeviceName("/dev/null"); // a character device, but no terminal
-    try {
-        SerialIO port(config);
-        FAIL() << "no exception";
-    } catch (const std::runtime_error& e) {
-        EXPECT_STREQ(e.what(), "::GetCommState( '/dev/null' ) failed. error = 1");
-    }
-}
-
-TEST_F(PtyPair, OpensExclusivelyAndReportsToInfo)
-{
-    SerialIO port(config({0, 0, 0, 0, 0}), *logger);
-    EXPECT_THROW(SerialIO second(config({0, 0, 0, 0, 0})), std::runtime_error);
-    EXPECT_EQ(titles().front(), "openDevice( '" + slaveName + "' ) OK");
 }
 
 TEST_F(PtyPair, ReadInSeveralAttemptsTracesEach)
 {
-    SerialIO port(config({40, 0, 0, 0, 0}), *logger);
+    SerialIO port(config({40, 0, 0, 0, 0}), logger);
     std::thread device([&] {
         deviceSends("ABCD");
         std::this_thread::sleep_for(milliseconds(150));
@@ -128,10 +109,10 @@ TEST_F(PtyPair, ReadInSeveralAttemptsTracesEach)
     EXPECT_EQ(port.recv(buffer, 10), 10u);
     device.join();
     EXPECT_EQ(std::string(reinterpret_cast<char*>(buffer), 10), "ABCDEFGHIJ");
-    EXPECT_EQ(titles(), (std::vector<std::string>{"openDevice( '" + slaveName + "' ) OK", "recv <- [ 4 of 10 ]: ",
-                                                  "recv <- [ 6 ]: "}));
-    EXPECT_EQ(channel->messages().at(1), "recv <- [ 4 of 10 ]: \n41 42 43 44" + std::string(37, ' ') + "| ABCD" +
-                                             std::string(12, ' '));
+    EXPECT_EQ(titles(), (std::vector<std::string>{"openDevice( '" + slaveName + "' ) OK",
+                                                  "recv <- [ 4 of 10 ]: ", "recv <- [ 6 ]: "}));
+    EXPECT_EQ(channel->messages().at(1),
+              "recv <- [ 4 of 10 ]: \n41 42 43 44" + std::string(37, ' ') + "| ABCD" + std::string(12, ' '));
 }
 
 // How long a read waits, by its time-outs: the device sends `sent` bytes after `delay` ms
@@ -203,9 +184,11 @@ TEST_F(PtyPair, WriteTimeOuts)
     }
 }
 
-TEST_F(PtyPair, SendTracesAndArrives)
+TEST_F(PtyPair, OpensExclusivelySendsAndTraces)
 {
-    SerialIO port(config({0, 100, 0, 0, 0}), *logger);
+    SerialIO port(config({0, 100, 0, 0, 0}), logger);
+    EXPECT_THROW(SerialIO second(config({0, 0, 0, 0, 0})), std::runtime_error);
+    EXPECT_EQ(titles().front(), "openDevice( '" + slaveName + "' ) OK");
     const unsigned char bytes[] = {0x02, 0x10, 0x03};
     EXPECT_EQ(port.send(bytes, 3), 3u);
     EXPECT_EQ(port.send(bytes, 0), 0u);
@@ -215,7 +198,7 @@ TEST_F(PtyPair, SendTracesAndArrives)
     EXPECT_EQ(titles().back(), "send -> [ 3 ]: ");
     EXPECT_EQ(channel->messages().size(), 2u);
 
-    logger->setLevel(0); // the open only, no transfer traces
+    logger.setLevel(0); // the open only, no transfer traces
     deviceSends("ab");
     unsigned char buffer[2];
     EXPECT_EQ(port.recv(buffer, 2), 2u);

@@ -3,6 +3,7 @@
 
 #include "support/exclusive_file.h"
 #include "support/log_file_name.h"
+#include "support/process.h"
 #include "support/temp_dir.h"
 
 #include <gtest/gtest.h>
@@ -129,9 +130,10 @@ TEST_F(FileLogChannelTest, AnUnusablePathLosesOneMessageAndRecovers)
     inMissing->write("n", "kept");
     EXPECT_EQ(readFile(missing / todaysLogFile("")), "[kept]\n");
 
-    const std::vector<std::string> kinds = {"directory",
+    const std::vector<std::string> kinds = {
+        "directory",
 #if !defined(_WIN32)
-                                            "fifo"
+        "fifo"
 #endif
     };
     for (const std::string& kind : kinds) {
@@ -183,27 +185,52 @@ TEST_F(FileLogChannelTest, WaitsForAnotherWriterUpToASecond)
     EXPECT_EQ(contentOf("busy"), "[waited]\n[recovered]\n");
 }
 
-TEST_F(FileLogChannelTest, ThreadsOfOneChannelNeverTearALine)
+// Every line of a file that many writers shared: the header once at its head, then each
+// message whole and exactly once.
+void expectEveryMessageOnce(const std::string& content, std::size_t messages)
 {
-    auto logging = channel("threads", "# header\n");
-    const int threadCount = 4, perThread = 1000;
-    std::vector<std::thread> threads;
-    for (int t = 0; t < threadCount; ++t)
-        threads.emplace_back([&, t] {
-            for (int i = 0; i < perThread; ++i)
-                logging->write("n", std::to_string(t) + " " + std::to_string(i) + std::string(60, '.'));
-        });
-    for (auto& thread : threads)
-        thread.join();
-
-    std::istringstream lines(contentOf("threads"));
+    std::istringstream lines(content);
     std::string line;
     ASSERT_TRUE(std::getline(lines, line));
     EXPECT_EQ(line, "# header");
     std::set<std::string> seen;
+    const std::string tail = " " + std::string(60, '.');
     while (std::getline(lines, line)) {
-        ASSERT_EQ(line.substr(line.size() - 61), std::string(60, '.') + "]") << line;
-        EXPECT_TRUE(seen.insert(line).second) << line;
+        ASSERT_TRUE(line.size() > tail.size() && line.compare(line.size() - tail.size(), tail.size(), tail) == 0)
+            << line;
+        EXPECT_TRUE(seen.insert(line.substr(line.find("] ") + 2)).second) << line;
     }
-    EXPECT_EQ(seen.size(), static_cast<std::size_t>(threadCount * perThread));
+    EXPECT_EQ(seen.size(), messages);
+}
+
+TEST_F(FileLogChannelTest, ThreadsOfOneChannelNeverTearALine)
+{
+    FileLogChannel logging(dir.string(), "threads");
+    logging.setFormatter(std::make_shared<SimpleFormatter>());
+    logging.setProperty(FileLogChannel::PropertyRollingHeader, "# header\n");
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t)
+        threads.emplace_back([&, t] {
+            for (int i = 0; i < 1000; ++i)
+                logging.write("n", std::to_string(t) + " " + std::to_string(i) + " " + std::string(60, '.'));
+        });
+    for (auto& thread : threads)
+        thread.join();
+    expectEveryMessageOnce(contentOf("threads"), 4000);
+}
+
+TEST_F(FileLogChannelTest, ProcessesOnOneFileNeverTearOrLoseALine)
+{
+    std::vector<int> status(4, -1);
+    std::vector<std::thread> launchers;
+    for (int w = 0; w < 4; ++w)
+        launchers.emplace_back([&, w] {
+            status[w] =
+                ovo_test::runProgram(ovo_test::siblingProgram("file_log_writer"),
+                                     {dir.string(), "shared", std::to_string(w), "5000", w % 2 ? "split" : "plain"});
+        });
+    for (auto& launcher : launchers)
+        launcher.join();
+    ASSERT_EQ(status, std::vector<int>(4, 0));
+    expectEveryMessageOnce(contentOf("shared"), 20000);
 }

@@ -63,7 +63,9 @@ TEST_F(PosixFaultsTest, ARegistryCallThatFailsReportsTheCauseAndKeepsTheOldValue
         const char* call;
         int error;
         LONG code;
-    } failures[] = {{"write", ENOSPC, 112}, {"rename", EIO, 31}, {"open", EMFILE, 4}}; // DISK_FULL, GEN_FAILURE, TOO_MANY_OPEN_FILES
+    } failures[] = {{"write", ENOSPC, 112},
+                    {"rename", EIO, 31},
+                    {"open", EMFILE, 4}}; // DISK_FULL, GEN_FAILURE, TOO_MANY_OPEN_FILES
     for (const auto& failure : failures) {
         failCall(failure.call, failure.error);
         EXPECT_EQ(setText("value", "new"), failure.code) << failure.call;
@@ -133,7 +135,8 @@ TEST_F(PosixFaultsTest, ANamedObjectThatCannotBeMadeLeavesNothing)
     EXPECT_EQ(GetLastError(), 4u);
     EXPECT_EQ(leftOver(), "");
 
-    HANDLE mapping = CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 4096, ("Local\\" + name).c_str());
+    HANDLE mapping =
+        CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 4096, ("Local\\" + name).c_str());
     ASSERT_NE(mapping, nullptr); // the name is free and works again
     CloseHandle(mapping);
     EXPECT_EQ(leftOver(), "");

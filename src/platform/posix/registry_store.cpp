@@ -10,8 +10,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
-#include <cstdlib>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
@@ -257,8 +257,8 @@ LONG writeValue(const std::string& directory, const std::string& path, DWORD typ
     std::memcpy(header, valueMagic, sizeof valueMagic);
     std::memcpy(header + sizeof valueMagic, &type, 4);
     std::size_t headerDone = 0, dataDone = 0;
-    const bool written = ovo::posix::writeWhole(fd, header, headerSize, headerDone) &&
-                         ovo::posix::writeWhole(fd, data, size, dataDone);
+    const bool written =
+        ovo::posix::writeWhole(fd, header, headerSize, headerDone) && ovo::posix::writeWhole(fd, data, size, dataDone);
     const int writeError = errno;
     close(fd);
     if (written && sys::rename(next.c_str(), path.c_str()) == 0)
@@ -270,8 +270,7 @@ LONG writeValue(const std::string& directory, const std::string& path, DWORD typ
 
 // Changes a value under an exclusive lock of its key's directory: writers in every process
 // take turns; readers never wait, they open whole files.
-template <typename Change>
-LONG changeValue(HKEY handle, LPCSTR name, Change change)
+template <typename Change> LONG changeValue(HKEY handle, LPCSTR name, Change change)
 {
     RegistryKey key;
     LONG result = describe(handle, key);
@@ -303,7 +302,8 @@ LONG openKey(HKEY handle, LPCSTR subKey, REGSAM access, PHKEY result, bool creat
         return status;
     const mode_t mode = key.machine ? 0755 : 0700;
     bool created = false;
-    if (create && !isDirectory(directories.front()) && (status = makeDirectories(directories.front(), mode)) != ERROR_SUCCESS)
+    if (create && !isDirectory(directories.front()) &&
+        (status = makeDirectories(directories.front(), mode)) != ERROR_SUCCESS)
         return status;
     for (std::size_t i = 1; i < directories.size(); ++i) {
         if (isDirectory(directories[i]))
@@ -359,8 +359,8 @@ LONG RegFlushKey(HKEY handle)
     paths.push_back(key.directory); // the renames
     for (const std::string& path : paths) {
         struct stat status;
-        const int fd = path == key.directory ? open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)
-                                             : openValue(path, status);
+        const int fd =
+            path == key.directory ? open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC) : openValue(path, status);
         if (fd < 0 && errno == ENOENT)
             continue; // deleted meanwhile
         if (fd < 0)
