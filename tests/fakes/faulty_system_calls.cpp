@@ -2,44 +2,36 @@
 
 #include "platform/posix/system_calls.h"
 
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <fcntl.h>
-#include <map>
-#include <mutex>
 #include <unistd.h>
 
 namespace ovo_fake {
 namespace {
 
-struct Failure {
-    int error, times, passing;
-};
-
-std::mutex lock;
-std::map<std::string, Failure> failures;
+const char* failing = "";
+int failure = 0;
+std::atomic<int> failuresLeft{0};
 
 // True when this call of `name` is to fail; errno is set then.
 bool fails(const char* name)
 {
-    std::lock_guard<std::mutex> guard(lock);
-    const auto failure = failures.find(name);
-    if (failure == failures.end() || failure->second.times == 0 || failure->second.passing-- > 0)
+    if (std::strcmp(name, failing) != 0 || failuresLeft.fetch_sub(1) <= 0)
         return false;
-    --failure->second.times;
-    errno = failure->second.error;
+    errno = failure;
     return true;
 }
 
 } // namespace
 
-void failCall(const std::string& call, int error, int times, int passing)
+void failCall(const char* call, int error, int times)
 {
-    std::lock_guard<std::mutex> guard(lock);
-    if (error == 0)
-        failures.clear();
-    else
-        failures[call] = Failure{error, times, passing};
+    failing = call;
+    failure = error;
+    failuresLeft = times;
 }
 
 } // namespace ovo_fake

@@ -4,14 +4,11 @@
 #ifndef OVO_TESTS_FAKES_FAULTY_SYSTEM_CALLS_H
 #define OVO_TESTS_FAKES_FAULTY_SYSTEM_CALLS_H
 
-#include <string>
-
 namespace ovo_fake {
 
-// The call named ("open", "read", "write", "ftruncate", "rename", "fsync") fails with
-// errno `error` `times` times in a row, after `passing` more calls of it have passed.
-// An `error` of 0 clears every failure.
-void failCall(const std::string& call, int error, int times = 1, int passing = 0);
+// The next `times` calls of `call` ("open", "read", "write", "ftruncate", "rename",
+// "fsync") fail with errno `error`; this replaces what was scripted before. No call: none fails.
+void failCall(const char* call = "", int error = 0, int times = 1);
 
 } // namespace ovo_fake
 

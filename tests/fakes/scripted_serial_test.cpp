@@ -41,7 +41,7 @@ protected:
 
 } // namespace
 
-TEST_F(ScriptedPort, OpensExclusivelyConfiguresInOrderAndCloses)
+TEST_F(ScriptedPort, CallsInOrderAndAFailingStateClosesTheDeviceAgain)
 {
     SerialConfig config = named("");
     config.setCommTimeouts({1, 2, 3, 4, 5});
@@ -49,25 +49,27 @@ TEST_F(ScriptedPort, OpensExclusivelyConfiguresInOrderAndCloses)
     {
         SerialIO port(config);
         port.purge();
+        serialScript().inQueue = 17;
+        EXPECT_EQ(port.available(), 17u);
+        serialScript().statusFails = true;
+        EXPECT_EQ(port.available(), 0u);
     }
+    const std::string open = "CreateFileA(\\\\.\\COM3, 3221225472, 0, 3, 128)";
     EXPECT_EQ(serialScript().calls,
-              (Calls{"CreateFileA(\\\\.\\COM3, 3221225472, 0, 3, 128)", "GetCommState", "SetCommState",
-                     "SetCommTimeouts(1, 3, 2, 5, 4)", "SetupComm(4096, 1024)", "PurgeComm(12)", "CloseHandle"}));
+              (Calls{open, "GetCommState", "SetCommState", "SetCommTimeouts(1, 3, 2, 5, 4)", "SetupComm(4096, 1024)",
+                     "PurgeComm(12)", "ClearCommError", "ClearCommError", "CloseHandle"}));
     EXPECT_EQ(serialScript().dcbsSet, std::vector<std::vector<unsigned char>>{serialScript().deviceDcb})
         << "nothing given: the device's own block goes back unchanged";
-}
 
-TEST_F(ScriptedPort, GetCommStateFailureClosesTheDeviceAgain)
-{
+    ovo_fake::resetSerialScript();
     serialScript().getStateError = 31;
     try {
-        SerialIO port(named(""), logger);
-        FAIL() << "no exception";
+        SerialIO port(named(""));
+        ADD_FAILURE() << "no exception";
     } catch (const std::runtime_error& e) {
         EXPECT_STREQ(e.what(), "::GetCommState( 'COM3' ) failed. error = 31");
     }
-    EXPECT_EQ(serialScript().calls.back(), "CloseHandle");
-    EXPECT_TRUE(serialScript().dcbsSet.empty());
+    EXPECT_EQ(serialScript().calls, (Calls{open, "GetCommState", "CloseHandle"}));
 }
 
 TEST_F(ScriptedPort, LineSettingsInTheBlock)
@@ -142,13 +144,4 @@ TEST_F(ScriptedPort, TransfersGoOnAfterPartialAttemptsAndTraceEach)
                      "recv <- [ 4 of 10 ]: ", "send -> [ 2 of 6 ]: ", "send -> [ 4 ]: ", "send -> [ 3 of 6 ]: "}));
     EXPECT_EQ(channel->messages().at(6),
               "send -> [ 4 ]: \n03 04 05 06" + std::string(37, ' ') + "| ...." + std::string(12, ' '));
-}
-
-TEST_F(ScriptedPort, AvailableIsZeroWhenTheStatusFails)
-{
-    SerialIO port(named(""));
-    serialScript().inQueue = 17;
-    EXPECT_EQ(port.available(), 17u);
-    serialScript().statusFails = true;
-    EXPECT_EQ(port.available(), 0u);
 }

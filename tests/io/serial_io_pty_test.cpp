@@ -97,24 +97,6 @@ TEST(SerialIO, WhatIsNoSerialDeviceIsNotOpened)
     }
 }
 
-TEST_F(PtyPair, ReadInSeveralAttemptsTracesEach)
-{
-    SerialIO port(config({40, 0, 0, 0, 0}), logger);
-    std::thread device([&] {
-        deviceSends("ABCD");
-        std::this_thread::sleep_for(milliseconds(150));
-        deviceSends("EFGHIJ");
-    });
-    unsigned char buffer[10] = {};
-    EXPECT_EQ(port.recv(buffer, 10), 10u);
-    device.join();
-    EXPECT_EQ(std::string(reinterpret_cast<char*>(buffer), 10), "ABCDEFGHIJ");
-    EXPECT_EQ(titles(), (std::vector<std::string>{"openDevice( '" + slaveName + "' ) OK",
-                                                  "recv <- [ 4 of 10 ]: ", "recv <- [ 6 ]: "}));
-    EXPECT_EQ(channel->messages().at(1),
-              "recv <- [ 4 of 10 ]: \n41 42 43 44" + std::string(37, ' ') + "| ABCD" + std::string(12, ' '));
-}
-
 // How long a read waits, by its time-outs: the device sends `sent` bytes after `delay` ms
 // (nothing when 0 bytes), the read asks for `asked`.
 TEST_F(PtyPair, ReadTimeOuts)

@@ -27,7 +27,6 @@
 
 using namespace ovo::logger;
 using ovo_test::readFile;
-using ovo_test::TempDir;
 using ovo_test::todaysLogFile;
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
@@ -35,12 +34,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// The bare message in brackets and a line feed: easy to check to the byte.
+// The bare message in brackets and a line feed, nothing for an empty message.
 struct BracketFormatter : IMessageFormatter {
-    std::string format(const std::string&, const std::string& message) override
-    {
-        return message.empty() ? "" : "[" + message + "]\n";
-    }
+    std::string format(const std::string&, const std::string& m) override { return m.empty() ? "" : "[" + m + "]\n"; }
 };
 
 class FileLogChannelTest : public testing::Test {
@@ -54,28 +50,22 @@ protected:
             made->setProperty(FileLogChannel::PropertyRollingHeader, header);
         return made;
     }
-    std::string contentOf(const std::string& suffix) const { return readFile(file(suffix)); }
     fs::path file(const std::string& suffix) const { return dir.path() / todaysLogFile(suffix); }
+    std::string contentOf(const std::string& suffix) const { return readFile(file(suffix)); }
 
-    TempDir dir;
+    ovo_test::TempDir dir;
 };
 
 } // namespace
 
-TEST_F(FileLogChannelTest, NothingWithoutAFormatter)
+TEST_F(FileLogChannelTest, FileNamesOfTheLocalDateAndNothingWithoutAFormatter)
 {
-    EXPECT_EQ(FileLogChannel::PropertyRollingHeader, "rolling_header");
     FileLogChannel bare(dir.string(), "");
-    bare.setProperty(FileLogChannel::PropertyRollingHeader, "header\n");
     bare.write("n", "lost");
     EXPECT_TRUE(fs::is_empty(dir.path()));
-}
-
-TEST_F(FileLogChannelTest, FileNamesOfTheLocalDate)
-{
-    for (const char* suffix : {"", "x", "reader"}) {
-        channel(suffix)->write("n", suffix + std::string("!"));
-        EXPECT_EQ(readFile(file(suffix)), "[" + std::string(suffix) + "!]\n") << todaysLogFile(suffix);
+    for (const std::string suffix : {"", "x", "reader"}) {
+        channel(suffix)->write("n", suffix + "!");
+        EXPECT_EQ(contentOf(suffix), "[" + suffix + "!]\n") << todaysLogFile(suffix);
     }
     // A directory that ends in the separator gets a second one, which the system ignores.
     channel("sep", nullptr, dir.string() + static_cast<char>(fs::path::preferred_separator))->write("n", "m");
@@ -86,20 +76,15 @@ TEST_F(FileLogChannelTest, HeaderStandsAtTheHeadOfAnEmptyFileOnly)
 {
     auto logging = channel("h", "== header ==\n");
     logging->write("n", "first");
-    logging->write("n", "second");
-    EXPECT_EQ(contentOf("h"), "== header ==\n[first]\n[second]\n");
     channel("h", "== other ==\n")->write("n", "restart"); // the same day continues the file
-    EXPECT_EQ(contentOf("h"), "== header ==\n[first]\n[second]\n[restart]\n");
+    EXPECT_EQ(contentOf("h"), "== header ==\n[first]\n[restart]\n");
     std::ofstream(file("h"), std::ios::trunc).close();
     logging->write("n", "emptied");
     EXPECT_EQ(contentOf("h"), "== header ==\n[emptied]\n");
     fs::remove(file("h"));
     logging->write("n", "removed");
     EXPECT_EQ(contentOf("h"), "== header ==\n[removed]\n");
-}
 
-TEST_F(FileLogChannelTest, HeaderRules)
-{
     channel("none")->write("n", "alone");
     channel("runs", "no line end")->write("n", "m");
     channel("empty text", "header only\n")->write("n", ""); // the formatter gives nothing
@@ -110,7 +95,6 @@ TEST_F(FileLogChannelTest, HeaderRules)
     auto removed = channel("removed", "gone\n");
     removed->setProperty(FileLogChannel::PropertyRollingHeader, "");
     removed->write("n", "m");
-
     EXPECT_EQ(contentOf("none"), "[alone]\n");
     EXPECT_EQ(contentOf("runs"), "no line end[m]\n");
     EXPECT_EQ(contentOf("empty text"), "header only\n");
@@ -118,44 +102,34 @@ TEST_F(FileLogChannelTest, HeaderRules)
     EXPECT_EQ(contentOf("removed"), "[m]\n");
 }
 
-// What stands where the file should be decides only about the one message: it is lost
-// at once, and the channel goes on when the path is usable again.
+// A missing directory, or a directory or a FIFO where the file should be, costs the one
+// message at once; the channel goes on when the path is usable again.
 TEST_F(FileLogChannelTest, AnUnusablePathLosesOneMessageAndRecovers)
 {
-    const fs::path missing = dir.path() / "later";
-    auto inMissing = channel("", nullptr, missing.string());
-    inMissing->write("n", "lost");
-    EXPECT_FALSE(fs::exists(missing)) << "the directory is not created";
-    fs::create_directory(missing);
-    inMissing->write("n", "kept");
-    EXPECT_EQ(readFile(missing / todaysLogFile("")), "[kept]\n");
-
-    const std::vector<std::string> kinds = {
-        "directory",
-#if !defined(_WIN32)
-        "fifo"
-#endif
-    };
-    for (const std::string& kind : kinds) {
-        auto logging = channel(kind);
-        const std::string path = file(kind).string();
-#if !defined(_WIN32)
-        if (kind == "fifo")
-            ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
-        else
-#endif
+    for (const std::string kind : {"missing", "directory", "fifo"}) {
+        const fs::path directory = kind == "missing" ? dir.path() / "later" : dir.path();
+        const std::string path = (directory / todaysLogFile(kind)).string();
+        if (kind == "directory")
             fs::create_directory(path);
+#if defined(_WIN32)
+        if (kind == "fifo")
+            continue; // none in this file system
+#else
+        ASSERT_TRUE(kind != "fifo" || ::mkfifo(path.c_str(), 0600) == 0);
+#endif
+        auto logging = channel(kind, nullptr, directory.string());
         auto write = std::async(std::launch::async, [&] { logging->write("n", "lost"); });
         const bool returned = write.wait_for(std::chrono::seconds(3)) == std::future_status::ready;
 #if !defined(_WIN32)
-        const int reader = returned ? -1 : ::open(path.c_str(), O_RDONLY | O_NONBLOCK); // frees a hung writer
-        write.wait();
-        ::close(reader);
+        ::close(returned ? -1 : ::open(path.c_str(), O_RDONLY | O_NONBLOCK)); // frees a hung writer
 #endif
+        write.wait();
         EXPECT_TRUE(returned) << kind << ": the write hung";
+        EXPECT_NE(fs::exists(directory), kind == "missing") << "a missing directory is not created";
         fs::remove(path);
+        fs::create_directory(directory);
         logging->write("n", "kept");
-        EXPECT_EQ(contentOf(kind), "[kept]\n") << kind;
+        EXPECT_EQ(readFile(path), "[kept]\n") << kind;
     }
 }
 
@@ -177,19 +151,36 @@ TEST_F(FileLogChannelTest, WaitsForAnotherWriterUpToASecond)
     ASSERT_TRUE(stuck.held());
     start = Clock::now();
     logging->write("n", "lost");
-    const auto gaveUp = Clock::now() - start;
-    EXPECT_GE(gaveUp, milliseconds(900));
-    EXPECT_LE(gaveUp, milliseconds(3000));
+    EXPECT_GE(Clock::now() - start, milliseconds(900));
+    EXPECT_LE(Clock::now() - start, milliseconds(3000));
     stuck.release();
     logging->write("n", "recovered");
     EXPECT_EQ(contentOf("busy"), "[waited]\n[recovered]\n");
 }
 
-// Every line of a file that many writers shared: the header once at its head, then each
-// message whole and exactly once.
-void expectEveryMessageOnce(const std::string& content, std::size_t messages)
+// Two threads of one channel and four processes (two through a split channel) share a
+// file: the header once at its head, then every message whole and exactly once.
+TEST_F(FileLogChannelTest, ThreadsAndProcessesNeverTearOrLoseALine)
 {
-    std::istringstream lines(content);
+    FileLogChannel shared(dir.string(), "shared");
+    shared.setFormatter(std::make_shared<SimpleFormatter>());
+    shared.setProperty(FileLogChannel::PropertyRollingHeader, "# header\n");
+    std::vector<int> status(4, -1);
+    std::vector<std::thread> writers;
+    for (int w = 0; w < 6; ++w)
+        writers.emplace_back([&, w] {
+            for (int i = 0; w < 2 && i < 3000; ++i)
+                shared.write("n", "t" + std::to_string(w) + " " + std::to_string(i) + " " + std::string(60, '.'));
+            if (w >= 2)
+                status[w - 2] = ovo_test::runProgram(
+                    ovo_test::siblingProgram("file_log_writer"),
+                    {dir.string(), "shared", "p" + std::to_string(w), "3000", w % 2 ? "split" : "plain"});
+        });
+    for (auto& writer : writers)
+        writer.join();
+    ASSERT_EQ(status, std::vector<int>(4, 0));
+
+    std::istringstream lines(contentOf("shared"));
     std::string line;
     ASSERT_TRUE(std::getline(lines, line));
     EXPECT_EQ(line, "# header");
@@ -200,37 +191,5 @@ void expectEveryMessageOnce(const std::string& content, std::size_t messages)
             << line;
         EXPECT_TRUE(seen.insert(line.substr(line.find("] ") + 2)).second) << line;
     }
-    EXPECT_EQ(seen.size(), messages);
-}
-
-TEST_F(FileLogChannelTest, ThreadsOfOneChannelNeverTearALine)
-{
-    FileLogChannel logging(dir.string(), "threads");
-    logging.setFormatter(std::make_shared<SimpleFormatter>());
-    logging.setProperty(FileLogChannel::PropertyRollingHeader, "# header\n");
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t)
-        threads.emplace_back([&, t] {
-            for (int i = 0; i < 1000; ++i)
-                logging.write("n", std::to_string(t) + " " + std::to_string(i) + " " + std::string(60, '.'));
-        });
-    for (auto& thread : threads)
-        thread.join();
-    expectEveryMessageOnce(contentOf("threads"), 4000);
-}
-
-TEST_F(FileLogChannelTest, ProcessesOnOneFileNeverTearOrLoseALine)
-{
-    std::vector<int> status(4, -1);
-    std::vector<std::thread> launchers;
-    for (int w = 0; w < 4; ++w)
-        launchers.emplace_back([&, w] {
-            status[w] =
-                ovo_test::runProgram(ovo_test::siblingProgram("file_log_writer"),
-                                     {dir.string(), "shared", std::to_string(w), "5000", w % 2 ? "split" : "plain"});
-        });
-    for (auto& launcher : launchers)
-        launcher.join();
-    ASSERT_EQ(status, std::vector<int>(4, 0));
-    expectEveryMessageOnce(contentOf("shared"), 20000);
+    EXPECT_EQ(seen.size(), 18000u);
 }
