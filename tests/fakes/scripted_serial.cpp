@@ -18,31 +18,14 @@ std::vector<unsigned char> bytesOf(const DCB& dcb)
     return std::vector<unsigned char>(raw, raw + sizeof dcb);
 }
 
-BOOL called(const std::string& call, DWORD error = 0)
+BOOL called(const std::string& call, std::initializer_list<unsigned long> arguments = {}, DWORD error = 0)
 {
-    script.calls.push_back(call);
+    std::string text = call;
+    for (unsigned long argument : arguments)
+        text += (text == call ? "(" : ", ") + std::to_string(argument);
+    script.calls.push_back(arguments.size() == 0 ? text : text + ")");
     lastError = error;
     return error == 0 ? TRUE : FALSE;
-}
-
-std::string numbers(std::initializer_list<unsigned long> values)
-{
-    std::string text;
-    for (unsigned long value : values)
-        text += (text.empty() ? "(" : ", ") + std::to_string(value);
-    return text + ")";
-}
-
-BOOL transfer(const char* call, std::deque<Transfer>& transfers, void* buffer, DWORD size, LPDWORD done)
-{
-    if (transfers.empty())
-        return called(call + numbers({size}), ERROR_GEN_FAILURE);
-    const Transfer next = transfers.front();
-    transfers.pop_front();
-    if (buffer != nullptr) // no more is copied than both the buffer and the count allow
-        std::memcpy(buffer, next.bytes.data(), std::min<std::size_t>({next.bytes.size(), size, next.count}));
-    *done = next.count;
-    return called(call + numbers({size}), next.ok ? 0 : ERROR_GEN_FAILURE);
 }
 
 } // namespace
@@ -70,18 +53,16 @@ using namespace ovo_fake;
 HANDLE CreateFileA(LPCSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES, DWORD disposition, DWORD attributes,
                    HANDLE)
 {
-    const std::string call =
-        "CreateFileA(" + std::string(name) + ", " + numbers({access, share, disposition, attributes}).substr(1);
-    return called(call, script.openError) ? fakeHandle : INVALID_HANDLE_VALUE;
+    called(std::string("CreateFileA ") + name, {access, share, disposition, attributes});
+    return fakeHandle;
 }
 
 BOOL CloseHandle(HANDLE file) { return called(file == fakeHandle ? "CloseHandle" : "CloseHandle(foreign)"); }
 
 BOOL GetCommState(HANDLE, LPDCB dcb)
 {
-    if (script.getStateError == 0)
-        std::memcpy(dcb, script.deviceDcb.data(), sizeof(DCB));
-    return called("GetCommState", script.getStateError);
+    std::memcpy(dcb, script.deviceDcb.data(), sizeof(DCB));
+    return called("GetCommState", {}, script.getStateError);
 }
 
 BOOL SetCommState(HANDLE, LPDCB dcb)
@@ -92,31 +73,28 @@ BOOL SetCommState(HANDLE, LPDCB dcb)
 
 BOOL SetCommTimeouts(HANDLE, LPCOMMTIMEOUTS t)
 {
-    return called("SetCommTimeouts" +
-                  numbers({t->ReadIntervalTimeout, t->ReadTotalTimeoutMultiplier, t->ReadTotalTimeoutConstant,
-                           t->WriteTotalTimeoutMultiplier, t->WriteTotalTimeoutConstant}));
+    return called("SetCommTimeouts",
+                  {t->ReadIntervalTimeout, t->ReadTotalTimeoutMultiplier, t->ReadTotalTimeoutConstant,
+                   t->WriteTotalTimeoutMultiplier, t->WriteTotalTimeoutConstant});
 }
 
-BOOL SetupComm(HANDLE, DWORD in, DWORD out) { return called("SetupComm" + numbers({in, out})); }
+BOOL SetupComm(HANDLE, DWORD in, DWORD out) { return called("SetupComm", {in, out}); }
 
-BOOL ReadFile(HANDLE, LPVOID buffer, DWORD size, LPDWORD done, LPOVERLAPPED)
+BOOL ReadFile(HANDLE, LPVOID, DWORD size, LPDWORD done, LPOVERLAPPED)
 {
-    return transfer("ReadFile", script.reads, buffer, size, done);
+    *done = 0;
+    return called("ReadFile", {size});
 }
 
 BOOL WriteFile(HANDLE, LPCVOID, DWORD size, LPDWORD done, LPOVERLAPPED)
 {
-    return transfer("WriteFile", script.writes, nullptr, size, done);
+    *done = std::min(size, script.sendsAtOnce);
+    return called("WriteFile", {size}, *done == 0 ? ERROR_GEN_FAILURE : 0);
 }
 
-BOOL ClearCommError(HANDLE, LPDWORD, LPCOMSTAT status)
-{
-    if (!script.statusFails)
-        status->cbInQue = script.inQueue;
-    return called("ClearCommError", script.statusFails ? ERROR_INVALID_HANDLE : 0);
-}
+BOOL ClearCommError(HANDLE, LPDWORD, LPCOMSTAT) { return called("ClearCommError", {}, ERROR_INVALID_HANDLE); }
 
-BOOL PurgeComm(HANDLE, DWORD flags) { return called("PurgeComm" + numbers({flags})); }
+BOOL PurgeComm(HANDLE, DWORD flags) { return called("PurgeComm", {flags}); }
 
 DWORD GetLastError() { return lastError; }
 

@@ -6,25 +6,15 @@
 #include <ovo/export.h>
 
 #include <cstdint>
-#include <deque>
 #include <string>
 #include <vector>
 
 namespace ovo_fake {
 
-struct Transfer {
-    bool ok;
-    std::uint32_t count; // bytes the call reports; a read delivers that many from `bytes`
-    std::string bytes;
-};
-
 struct SerialScript {
-    std::uint32_t openError = 0, getStateError = 0; // CreateFileA, GetCommState fail with them when not 0
-    std::vector<unsigned char> deviceDcb;           // what GetCommState delivers (28 bytes)
-    std::deque<Transfer> reads, writes;             // one per ReadFile, WriteFile; none left: they fail
-    bool statusFails = false;
-    std::uint32_t inQueue = 0;
-
+    std::uint32_t getStateError = 0;                 // GetCommState fails with it when not 0
+    std::vector<unsigned char> deviceDcb;            // what GetCommState delivers (28 bytes)
+    std::uint32_t sendsAtOnce = 0;                   // the most bytes one WriteFile takes; reads deliver none
     std::vector<std::string> calls;                  // each call with its arguments, in order
     std::vector<std::vector<unsigned char>> dcbsSet; // the block of every SetCommState
 };

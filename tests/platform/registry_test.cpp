@@ -9,7 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <future>
 #include <string>
 
 #if !defined(_WIN32)
@@ -33,9 +32,7 @@ class RegistryStoreTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
-#if defined(_WIN32)
-        base = "Software\\ovotest-" + std::to_string(GetCurrentProcessId());
-#else
+#if !defined(_WIN32)
         setenv("XDG_CONFIG_HOME", config.string().c_str(), 1);
 #endif
         ASSERT_TRUE(store.createAndOpen("Key", allAccess));
@@ -54,22 +51,13 @@ protected:
     std::string file(const std::string& name) const { return (files.path() / name).string(); }
 
     ovo_test::TempDir config, files;
+#if defined(_WIN32)
+    std::string base = "Software\\ovotest-" + std::to_string(GetCurrentProcessId());
+#else
     std::string base = "Software\\ovotest";
+#endif
     registry store{HKEY_CURRENT_USER, base};
 };
-
-TEST_F(RegistryStoreTest, KeysOpenByNameWithoutCaseUpToANul)
-{
-    registry other(HKEY_CURRENT_USER, base);
-    EXPECT_FALSE(other.open("Settings", readAccess));
-    EXPECT_EQ(other.keyName(), key("Settings"));
-    EXPECT_EQ(other.keyHandle(), nullptr);
-    ASSERT_TRUE(other.createAndOpen(std::string("Settings\0After", 14), allAccess));
-    other.setDWORDValue("Timeout", 250);
-    other.close();
-    ASSERT_TRUE(other.open("SETTINGS", readAccess));
-    EXPECT_EQ(other.queryDWORDValue("timeout", 0), 250u);
-}
 
 TEST_F(RegistryStoreTest, ValuesReadBackByNameWithoutCase)
 {
@@ -92,8 +80,10 @@ TEST_F(RegistryStoreTest, ValuesReadBackByNameWithoutCase)
     store.flush();
     EXPECT_EQ(store.queryDWORDValue("Number", 7), 0xFFFFFFFFul);
     store.close();
-    ASSERT_TRUE(store.open("Key", readAccess));
-    store.setDWORDValue("Number", 2); // refused: the key is open for reading
+    EXPECT_FALSE(store.open("Missing", readAccess));
+    EXPECT_EQ(store.keyName(), key("Missing"));
+    ASSERT_TRUE(store.open(std::string("KEY\0After", 9), readAccess)); // key names too, up to a NUL
+    store.setDWORDValue("Number", 2);                                  // refused: the key is open for reading
     EXPECT_EQ(store.queryDWORDValue("Number", 7), 0xFFFFFFFFul);
 }
 
@@ -139,9 +129,7 @@ TEST_F(RegistryStoreTest, NamesStayInsideTheStore)
 
     const auto keyDirectory = config.path() / "ovosystem/registry/software/ovotest/key";
     ASSERT_EQ(::mkfifo((keyDirectory / "%vfifo").c_str(), 0600), 0);
-    auto query = std::async(std::launch::async, [&] { return store.queryStringValue("fifo", "none"); });
-    ASSERT_EQ(query.wait_for(std::chrono::seconds(5)), std::future_status::ready) << "the query hangs";
-    EXPECT_EQ(query.get(), "none");
+    EXPECT_EQ(store.queryStringValue("fifo", "none"), "none"); // at once, not blocked on the FIFO
 
     ovo_test::TempDir machine;
     setenv("XDG_CONFIG_DIRS", (machine.string() + ":/etc/xdg").c_str(), 1);
