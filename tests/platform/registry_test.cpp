@@ -10,6 +10,7 @@
 
 #include <cstdlib>
 #include <string>
+#include <vector>
 
 #if !defined(_WIN32)
 #include <sys/stat.h>
@@ -100,8 +101,8 @@ TEST_F(RegistryStoreTest, ValuesKeepTheirTypeAndBytes)
     DWORD type = 0, size = sizeof binary;
     BYTE read[sizeof binary] = {};
     ASSERT_EQ(RegQueryValueExA(raw, "binary", nullptr, &type, read, &size), 0);
+    EXPECT_EQ(std::vector<BYTE>(read, read + size), std::vector<BYTE>(binary, binary + 4)) << type;
     EXPECT_EQ(type, static_cast<DWORD>(REG_BINARY));
-    EXPECT_EQ(std::string(reinterpret_cast<char*>(read), size), std::string(reinterpret_cast<const char*>(binary), 4));
     size = 1;
     EXPECT_EQ(RegQueryValueExA(raw, "Expand", nullptr, &type, read, &size), static_cast<LONG>(ERROR_MORE_DATA));
     EXPECT_EQ(size, 7u);
