@@ -1,13 +1,12 @@
 // A writer process for the file channel tests:
 //   file_log_writer DIRECTORY SUFFIX ID COUNT plain|split
 // logs COUNT messages "ID N ..." through a FileLogChannel with the header "# header\n",
-// alone or as a member of a split channel beside a console channel (whose output is lost).
+// alone or as the member of a split channel.
 #include <ovo/logger/channels.h>
 #include <ovo/logger/file_log_channel.h>
 #include <ovo/logger/formatters.h>
 #include <ovo/logger/logger.h>
 
-#include <iostream>
 #include <memory>
 #include <string>
 
@@ -20,11 +19,7 @@ int main(int argc, char** argv)
     file->setProperty(ovo::logger::FileLogChannel::PropertyRollingHeader, "# header\n");
     std::shared_ptr<ovo::logger::ILogChannel> channel = file;
     if (std::string(argv[5]) == "split") {
-        std::clog.rdbuf(nullptr); // the console's lines go nowhere
-        auto console = std::make_shared<ovo::logger::ConsoleLogChannel>();
-        console->setFormatter(std::make_shared<ovo::logger::ConsoleFormatter>());
         auto fanOut = std::make_shared<ovo::logger::SplitLogChannel>();
-        fanOut->add(console);
         fanOut->add(file);
         channel = fanOut;
     }
