@@ -105,8 +105,8 @@ std::string registry::queryStringValue(const std::string& name, const std::strin
     if (type != REG_SZ && type != REG_EXPAND_SZ)
         return text;
     if (size == 0)
-        return std::string();                              // empty, which is not missing
-    text.assign(static_cast<std::size_t>(size) + 1, '\0'); // a NUL at the end, stored or not
+        return std::string(); // empty, which is not missing
+    text.assign(static_cast<std::size_t>(size) + 1, '\0'); // read in place, with a NUL at the end, stored or not
     calls::RegQueryValueExA(keyHandle_, name.c_str(), nullptr, &type, reinterpret_cast<LPBYTE>(&text[0]), &size);
     text.resize(std::strlen(text.c_str()));
     return text;

@@ -33,7 +33,7 @@ public:
     BOOL read(void* buffer, DWORD size, DWORD& done) override;
     BOOL write(const void* buffer, DWORD size, DWORD& done) override;
 
-    DCB kept; // the flags that termios has no place for, as last set
+    DCB kept;                 // the flags that termios has no place for, as last set
     COMMTIMEOUTS timeouts;
     DWORD queueSizes[2] = {}; // as SetupComm asked; Linux keeps its own
 
@@ -376,9 +376,7 @@ BOOL PurgeComm(HANDLE file, DWORD flags)
         return FALSE;
     const bool input = (flags & PURGE_RXCLEAR) != 0;
     const bool output = (flags & PURGE_TXCLEAR) != 0;
-    if ((input || output) && ::tcflush(port->descriptor, input && output ? TCIOFLUSH
-                                                         : input         ? TCIFLUSH
-                                                                         : TCOFLUSH) != 0) {
+    if ((input || output) && ::tcflush(port->descriptor, input && output ? TCIOFLUSH : input ? TCIFLUSH : TCOFLUSH) != 0) {
         setLastErrorFromErrno(errno);
         return FALSE;
     }

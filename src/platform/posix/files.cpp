@@ -156,8 +156,8 @@ HANDLE CreateFileA(LPCSTR fileName, DWORD desiredAccess, DWORD shareMode, LPSECU
         setLastErrorFromErrno(error);
         return INVALID_HANDLE_VALUE;
     }
-    FileObject* const object =
-        device && ::isatty(descriptor) ? ovo::posix::openSerialPort(descriptor) : new FileObject(descriptor);
+    FileObject* const object = device && ::isatty(descriptor) ? ovo::posix::openSerialPort(descriptor)
+                                                              : new FileObject(descriptor);
     if (object == nullptr) // the terminal refused its settings; errno tells why
         return INVALID_HANDLE_VALUE;
     SetLastError(ERROR_SUCCESS);
@@ -170,11 +170,10 @@ DWORD SetFilePointer(HANDLE file, LONG distance, PLONG distanceHigh, DWORD moveM
     if (object == nullptr)
         return INVALID_SET_FILE_POINTER;
     const int whence = moveMethod == FILE_BEGIN ? SEEK_SET : moveMethod == FILE_CURRENT ? SEEK_CUR : SEEK_END;
-    const off_t offset =
-        distanceHigh != nullptr
-            ? static_cast<off_t>((static_cast<std::uint64_t>(static_cast<DWORD>(*distanceHigh)) << 32) |
-                                 static_cast<DWORD>(distance))
-            : static_cast<off_t>(distance);
+    const off_t offset = distanceHigh != nullptr
+                             ? static_cast<off_t>((static_cast<std::uint64_t>(static_cast<DWORD>(*distanceHigh)) << 32) |
+                                                  static_cast<DWORD>(distance))
+                             : static_cast<off_t>(distance);
     const off_t position = ::lseek(object->descriptor, offset, whence);
     if (position < 0) {
         setLastErrorFromErrno(errno);

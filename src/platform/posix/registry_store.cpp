@@ -270,7 +270,8 @@ LONG writeValue(const std::string& directory, const std::string& path, DWORD typ
 
 // Changes a value under an exclusive lock of its key's directory: writers in every process
 // take turns; readers never wait, they open whole files.
-template <typename Change> LONG changeValue(HKEY handle, LPCSTR name, Change change)
+template <typename Change>
+LONG changeValue(HKEY handle, LPCSTR name, Change change)
 {
     RegistryKey key;
     LONG result = describe(handle, key);
@@ -302,8 +303,7 @@ LONG openKey(HKEY handle, LPCSTR subKey, REGSAM access, PHKEY result, bool creat
         return status;
     const mode_t mode = key.machine ? 0755 : 0700;
     bool created = false;
-    if (create && !isDirectory(directories.front()) &&
-        (status = makeDirectories(directories.front(), mode)) != ERROR_SUCCESS)
+    if (create && !isDirectory(directories.front()) && (status = makeDirectories(directories.front(), mode)) != ERROR_SUCCESS)
         return status;
     for (std::size_t i = 1; i < directories.size(); ++i) {
         if (isDirectory(directories[i]))
