@@ -130,6 +130,12 @@ TEST_F(RegistryStoreTest, NamesStayInsideTheStore)
     const auto keyDirectory = config.path() / "ovosystem/registry/software/ovotest/key";
     ASSERT_EQ(::mkfifo((keyDirectory / "%vfifo").c_str(), 0600), 0);
     EXPECT_EQ(store.queryStringValue("fifo", "none"), "none"); // at once, not blocked on the FIFO
+
+    ovo_test::TempDir machine; // HKEY_LOCAL_MACHINE: the first of the configuration directories
+    setenv("XDG_CONFIG_DIRS", (machine.string() + ":/etc/xdg").c_str(), 1);
+    EXPECT_TRUE(registry(HKEY_LOCAL_MACHINE, "Software").createAndOpen("Where", allAccess));
+    unsetenv("XDG_CONFIG_DIRS");
+    EXPECT_TRUE(std::filesystem::is_directory(machine.path() / "ovosystem/registry/software/where"));
 }
 #endif
 
