@@ -5,7 +5,7 @@
 #include "platform/registry_calls.h"
 #include "platform/shared_holders.h"
 
-#include <vector>
+#include <cstring>
 
 namespace ovo {
 namespace win32 {
@@ -106,9 +106,10 @@ std::string registry::queryStringValue(const std::string& name, const std::strin
         return text;
     if (size == 0)
         return std::string(); // empty, which is not missing
-    std::vector<char> buffer(static_cast<std::size_t>(size) + 1, '\0'); // a NUL at the end, stored or not
-    calls::RegQueryValueExA(keyHandle_, name.c_str(), nullptr, &type, reinterpret_cast<LPBYTE>(buffer.data()), &size);
-    return std::string(buffer.data());
+    text.assign(static_cast<std::size_t>(size) + 1, '\0'); // read in place, with a NUL at the end, stored or not
+    calls::RegQueryValueExA(keyHandle_, name.c_str(), nullptr, &type, reinterpret_cast<LPBYTE>(&text[0]), &size);
+    text.resize(std::strlen(text.c_str()));
+    return text;
 }
 
 void registry::setDWORDValue(const std::string& name, unsigned long value) const

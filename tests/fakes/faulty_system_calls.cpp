@@ -2,64 +2,36 @@
 
 #include "platform/posix/system_calls.h"
 
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <fcntl.h>
-#include <map>
-#include <mutex>
 #include <unistd.h>
 
 namespace ovo_fake {
 namespace {
 
-struct Script {
-    int error = 0;
-    int times = 0;
-    int passing = 0;
-    int calls = 0;
-};
-
-std::mutex lock;
-std::map<std::string, Script> scripts;
+const char* failing = "";
+int failure = 0;
+std::atomic<int> failuresLeft{0};
 
 // True when this call of `name` is to fail; errno is set then.
-bool fails(const std::string& name)
+bool fails(const char* name)
 {
-    std::lock_guard<std::mutex> guard(lock);
-    Script& script = scripts[name];
-    ++script.calls;
-    if (script.times == 0)
+    if (std::strcmp(name, failing) != 0 || failuresLeft.fetch_sub(1) <= 0)
         return false;
-    if (script.passing > 0) {
-        --script.passing;
-        return false;
-    }
-    --script.times;
-    errno = script.error;
+    errno = failure;
     return true;
 }
 
 } // namespace
 
-void failCall(const std::string& call, int error, int times, int passing)
+void failCall(const char* call, int error, int times)
 {
-    std::lock_guard<std::mutex> guard(lock);
-    Script& script = scripts[call];
-    script.error = error;
-    script.times = times;
-    script.passing = passing;
-}
-
-void clearFailures()
-{
-    std::lock_guard<std::mutex> guard(lock);
-    scripts.clear();
-}
-
-int callsOf(const std::string& call)
-{
-    std::lock_guard<std::mutex> guard(lock);
-    return scripts[call].calls;
+    failing = call;
+    failure = error;
+    failuresLeft = times;
 }
 
 } // namespace ovo_fake

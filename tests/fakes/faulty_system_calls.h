@@ -4,17 +4,11 @@
 #ifndef OVO_TESTS_FAKES_FAULTY_SYSTEM_CALLS_H
 #define OVO_TESTS_FAKES_FAULTY_SYSTEM_CALLS_H
 
-#include <string>
-
 namespace ovo_fake {
 
-// The call named ("open", "read", "write", "ftruncate", "rename", "fsync") fails with
-// errno `error` `times` times in a row, after `passing` more calls of it have passed.
-void failCall(const std::string& call, int error, int times = 1, int passing = 0);
-// No failures scripted any more.
-void clearFailures();
-// How many times the call was made since the last clearFailures().
-int callsOf(const std::string& call);
+// The next `times` calls named ("open", "read", "write", "ftruncate", "rename", "fsync")
+// fail with errno `error`, instead of what was scripted before; no name: none fails.
+void failCall(const char* call = "", int error = 0, int times = 1);
 
 } // namespace ovo_fake
 

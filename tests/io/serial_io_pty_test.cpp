@@ -4,14 +4,19 @@
 #include <ovo/logger/logger.h>
 
 #include "support/recording_channel.h"
+#include "support/temp_dir.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
+#include <fcntl.h>
 #include <memory>
+#include <poll.h>
 #include <pty.h>
 #include <stdexcept>
 #include <string>
+#include <sys/stat.h>
 #include <termios.h>
 #include <thread>
 #include <unistd.h>
@@ -23,6 +28,8 @@ using std::chrono::milliseconds;
 
 namespace {
 
+const unsigned int maxDword = 0xFFFFFFFFu;
+
 class PtyPair : public testing::Test {
 protected:
     void SetUp() override
@@ -30,233 +37,193 @@ protected:
         char name[256] = {};
         ASSERT_EQ(::openpty(&master, &slave, name, nullptr, nullptr), 0);
         slaveName = name;
-        const std::string loggerName =
-            std::string("serial.") + testing::UnitTest::GetInstance()->current_test_info()->name();
-        logger = &ovo::logger::add(loggerName, channel);
-        logger->setLevel(1);
+        logger.setLevel(1);
     }
     void TearDown() override
     {
-        if (master >= 0)
-            ::close(master);
+        ::close(master);
         ::close(slave);
     }
 
-    SerialConfig config(unsigned int interval, unsigned int constant) const
+    SerialConfig config(const SerialTimeouts& timeouts) const
     {
-        SerialConfig c;
-        c.setDeviceName(slaveName);
-        c.setCommTimeouts({interval, constant, 0, 0, 0});
-        c.setBuffersSize({4096, 4096});
+        SerialConfig c = SerialConfig::fromString("device=" + slaveName);
+        c.setCommTimeouts(timeouts);
         return c;
     }
-
     void deviceSends(const std::string& bytes) const
     {
         ASSERT_EQ(::write(master, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
     }
 
-    std::vector<std::string> titles() const
-    {
-        std::vector<std::string> result;
-        for (const std::string& message : channel->messages())
-            result.push_back(message.substr(0, message.find('\n')));
-        return result;
-    }
-
-    int master = -1;
-    int slave = -1;
+    int master = -1, slave = -1;
     std::string slaveName;
     std::shared_ptr<ovo_test::RecordingChannel> channel = std::make_shared<ovo_test::RecordingChannel>();
-    ovo::logger::ILogger* logger = nullptr;
+    ovo::logger::ILogger& logger = ovo::logger::add("serial", channel);
 };
 
 } // namespace
 
-TEST_F(PtyPair, OpenReportsToInfo)
+// What is no terminal is refused: by the open when it is no character device (a FIFO
+// would block), by GetCommState otherwise. The code stands in both messages.
+TEST(SerialIO, WhatIsNoSerialDeviceIsNotOpened)
 {
-    SerialIO port(config(0, 0), *logger);
-    EXPECT_EQ(channel->messages(), std::vector<std::string>{"openDevice( '" + slaveName + "' ) OK"});
-}
-
-TEST(SerialIO, MissingDeviceGivesTheSameCodeInBothMessages)
-{
-    auto channel = std::make_shared<ovo_test::RecordingChannel>();
-    ovo::logger::ILogger& logger = ovo::logger::add("serial.missing", channel);
-    SerialConfig config;
-    config.setDeviceName("ttyOVO_NONE");
-    try {
-        SerialIO port(config, logger);
-        FAIL() << "no exception";
-    } catch (const std::runtime_error& e) {
-        EXPECT_STREQ(e.what(), "can't open 'ttyOVO_NONE'. error = 2");
-    }
-    EXPECT_EQ(channel->messages(), std::vector<std::string>{"openDevice( 'ttyOVO_NONE' ) failed: 2"});
-}
-
-TEST(SerialIO, DeviceThatIsNoTerminalFailsInGetCommState)
-{
-    SerialConfig config;
-    config.setDeviceName("/dev/null");
-    try {
-        SerialIO port(config);
-        FAIL() << "no exception";
-    } catch (const std::runtime_error& e) {
-        EXPECT_STREQ(e.what(), "::GetCommState( '/dev/null' ) failed. error = 1");
+    ovo_test::TempDir dir;
+    const std::string fifo = (dir.path() / "fifo").string();
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+    const struct {
+        std::string name, what, info;
+    } cases[] = {{"ttyOVO_NONE", "can't open 'ttyOVO_NONE'. error = 2", "openDevice( 'ttyOVO_NONE' ) failed: 2"},
+                 {fifo, "can't open '" + fifo + "'. error = 5", "openDevice( '" + fifo + "' ) failed: 5"},
+                 {dir.string(), "can't open '" + dir.string() + "'. error = 5",
+                  "openDevice( '" + dir.string() + "' ) failed: 5"},
+                 {"/dev/null", "::GetCommState( '/dev/null' ) failed. error = 1", "openDevice( '/dev/null' ) OK"}};
+    for (const auto& c : cases) {
+        auto channel = std::make_shared<ovo_test::RecordingChannel>();
+        try {
+            SerialIO port(SerialConfig::fromString("device=" + c.name), ovo::logger::add("serial.none", channel));
+            ADD_FAILURE() << c.name << ": no exception";
+        } catch (const std::runtime_error& e) {
+            EXPECT_EQ(e.what(), c.what);
+        }
+        EXPECT_EQ(channel->messages(), std::vector<std::string>{c.info});
     }
 }
 
-TEST_F(PtyPair, SecondOpenIsRefused)
+// How long a read waits, by its time-outs: the device sends `sent` bytes after `delay` ms
+// (nothing when 0 bytes), the read asks for `asked`.
+TEST_F(PtyPair, ReadTimeOuts)
 {
-    SerialIO first(config(0, 0));
-    EXPECT_THROW(SerialIO second(config(0, 0)), std::runtime_error);
+    const struct {
+        const char* rule;
+        SerialTimeouts timeouts;
+        unsigned int asked, sent, delay, got, atLeast, atMost;
+    } cases[] = {
+        {"interval after the last byte, then the total", {50, 200, 0, 0, 0}, 10, 4, 0, 4, 240, 600},
+        {"total with nothing to read", {0, 100, 0, 0, 0}, 4, 0, 0, 0, 95, 400},
+        {"MAXDWORD interval, zero totals: at once", {maxDword, 0, 0, 0, 0}, 8, 0, 0, 0, 0, 50},
+        {"first byte or constant", {maxDword, 200, maxDword, 0, 0}, 10, 2, 100, 2, 280, 700},
+        {"all zero: until the request is met", {0, 0, 0, 0, 0}, 3000, 3000, 300, 3000, 290, 1500},
+        {"a total at the clock's range", {0, 1854, 3074457345u, 0, 0}, 3000, 3000, 300, 3000, 290, 1500},
+        {"a total past the clock's range", {0, 0, maxDword, 0, 0}, 3000, 3000, 300, 3000, 290, 1500},
+        {"the largest total", {0, maxDword, maxDword, 0, 0}, 3000, 3000, 300, 3000, 290, 1500},
+    };
+    for (const auto& c : cases) {
+        SerialIO port(config(c.timeouts));
+        std::thread device([&] {
+            std::this_thread::sleep_for(milliseconds(c.delay));
+            deviceSends(std::string(c.sent, 'x'));
+        });
+        std::vector<unsigned char> buffer(c.asked);
+        const auto start = Clock::now();
+        EXPECT_EQ(port.recv(buffer.data(), c.asked), c.got) << c.rule;
+        const auto took = Clock::now() - start;
+        device.join();
+        EXPECT_GE(took, milliseconds(c.atLeast)) << c.rule;
+        EXPECT_LE(took, milliseconds(c.atMost)) << c.rule;
+        port.purge();
+    }
 }
 
-TEST_F(PtyPair, ReadInSeveralAttemptsTracesEach)
+// A write into full queues waits as long as its total allows: for ever past the clock's
+// range, up to the total otherwise. The device starts taking bytes after 300 ms.
+TEST_F(PtyPair, WriteTimeOuts)
 {
-    SerialIO port(config(40, 0), *logger);
+    const struct {
+        SerialTimeouts timeouts;
+        bool whole;
+    } cases[] = {{{0, 0, 0, 0, maxDword}, true}, {{0, 0, 0, maxDword, maxDword}, true}, {{0, 0, 0, 200, 0}, false}};
+    termios raw; // a line-editing master would drop what does not fit instead of holding it back
+    ASSERT_EQ(::tcgetattr(master, &raw), 0);
+    ::cfmakeraw(&raw);
+    ASSERT_EQ(::tcsetattr(master, TCSANOW, &raw), 0);
+    for (const auto& c : cases) {
+        SerialIO port(config(c.timeouts));
+        ASSERT_EQ(::fcntl(slave, F_SETFL, O_NONBLOCK), 0);
+        std::size_t queued = 0; // until the kernel, moving bytes between its buffers, takes no more
+        for (std::size_t before = 1; queued != before; std::this_thread::sleep_for(milliseconds(20)))
+            for (ssize_t n = (before = queued, 0); (n = ::write(slave, "filler", 6)) > 0;)
+                queued += static_cast<std::size_t>(n);
+        std::thread device([&] {
+            std::this_thread::sleep_for(milliseconds(300));
+            std::vector<char> drained(1 << 16);
+            pollfd peer{master, POLLIN, 0};
+            for (std::size_t got = 0; c.whole && got < queued + 3000 && ::poll(&peer, 1, 2000) == 1;)
+                got += static_cast<std::size_t>(std::max<ssize_t>(0, ::read(master, drained.data(), drained.size())));
+        });
+        const std::vector<unsigned char> bytes(3000, 'w');
+        EXPECT_EQ(port.send(bytes.data(), 3000) == 3000, c.whole);
+        device.join();
+        port.purge();
+    }
+}
+
+TEST_F(PtyPair, OpensExclusivelyTransfersInAttemptsAndPurges)
+{
+    SerialIO port(config({40, 300, 0, 0, 0}), logger);
+    EXPECT_THROW(SerialIO second(config({0, 0, 0, 0, 0})), std::runtime_error);
+    EXPECT_EQ(port.send(reinterpret_cast<const unsigned char*>("\x02\x10\x03"), 3), 3u);
+    char received[4] = {};
+    ASSERT_EQ(::read(master, received, 4), 3);
     std::thread device([&] {
         deviceSends("ABCD");
-        std::this_thread::sleep_for(milliseconds(150));
+        std::this_thread::sleep_for(milliseconds(150)); // past the interval: a second attempt
         deviceSends("EFGHIJ");
     });
     unsigned char buffer[10] = {};
     EXPECT_EQ(port.recv(buffer, 10), 10u);
     device.join();
     EXPECT_EQ(std::string(reinterpret_cast<char*>(buffer), 10), "ABCDEFGHIJ");
-    EXPECT_EQ(titles(), (std::vector<std::string>{"openDevice( '" + slaveName + "' ) OK", "recv <- [ 4 of 10 ]: ",
-                                                  "recv <- [ 6 ]: "}));
-    ASSERT_EQ(channel->messages().size(), 3u);
-    EXPECT_EQ(channel->messages()[1], "recv <- [ 4 of 10 ]: \n41 42 43 44" + std::string(37, ' ') + "| ABCD" +
-                                          std::string(12, ' '));
-}
-
-TEST_F(PtyPair, IntervalAndTotalTimeOutsEndAShortRead)
-{
-    SerialIO port(config(50, 200), *logger);
-    deviceSends("1234");
-    unsigned char buffer[10] = {};
-    const auto start = Clock::now();
-    // The first attempt ends 50 ms after the last byte, the second after its 200 ms.
-    EXPECT_EQ(port.recv(buffer, 10), 4u);
-    const auto took = Clock::now() - start;
-    EXPECT_GE(took, milliseconds(240));
-    EXPECT_LE(took, milliseconds(600));
-    EXPECT_EQ(titles().back(), "recv <- [ 4 of 10 ]: ");
-}
-
-TEST_F(PtyPair, TotalTimeOutWithNothingToRead)
-{
-    SerialIO port(config(0, 100), *logger);
-    unsigned char buffer[4] = {};
-    const auto start = Clock::now();
-    EXPECT_EQ(port.recv(buffer, 4), 0u);
-    const auto took = Clock::now() - start;
-    EXPECT_GE(took, milliseconds(95));
-    EXPECT_LE(took, milliseconds(400));
-    EXPECT_EQ(channel->messages().size(), 1u) << "no trace for an attempt that brought nothing";
-}
-
-TEST_F(PtyPair, MaxIntervalWithZeroTotalsReturnsAtOnce)
-{
-    SerialIO port(config(0xFFFFFFFFu, 0));
-    unsigned char buffer[8] = {};
-    const auto start = Clock::now();
-    EXPECT_EQ(port.recv(buffer, 8), 0u);
-    EXPECT_LE(Clock::now() - start, milliseconds(50));
-    deviceSends("xyz");
-    std::this_thread::sleep_for(milliseconds(20));
-    EXPECT_EQ(port.recv(buffer, 8), 3u);
-}
-
-TEST_F(PtyPair, SendTracesAndArrives)
-{
-    SerialIO port(config(0, 100), *logger);
-    const unsigned char bytes[] = {0x02, 0x10, 0x03};
-    EXPECT_EQ(port.send(bytes, 3), 3u);
-    EXPECT_EQ(port.send(bytes, 0), 0u);
-    char received[3] = {};
-    ASSERT_EQ(::read(master, received, 3), 3);
-    EXPECT_EQ(std::string(received, 3), std::string("\x02\x10\x03", 3));
-    EXPECT_EQ(titles().back(), "send -> [ 3 ]: ");
-    EXPECT_EQ(channel->messages().size(), 2u);
-}
-
-TEST_F(PtyPair, LevelZeroShowsTheOpenOnly)
-{
-    logger->setLevel(0);
-    SerialIO port(config(0, 50), *logger);
-    deviceSends("ab");
-    unsigned char buffer[2];
-    EXPECT_EQ(port.recv(buffer, 2), 2u);
-    EXPECT_EQ(channel->messages().size(), 1u);
-}
-
-TEST_F(PtyPair, AvailableCountsAndPurgeDiscards)
-{
-    SerialIO port(config(0, 50));
-    EXPECT_EQ(port.available(), 0u);
+    EXPECT_EQ(channel->messages(),
+              (std::vector<std::string>{
+                  "openDevice( '" + slaveName + "' ) OK",
+                  "send -> [ 3 ]: \n02 10 03" + std::string(40, ' ') + "| ..." + std::string(13, ' '),
+                  "recv <- [ 4 of 10 ]: \n41 42 43 44" + std::string(37, ' ') + "| ABCD" + std::string(12, ' '),
+                  "recv <- [ 6 ]: \n45 46 47 48 49 4A" + std::string(31, ' ') + "| EFGHIJ" + std::string(10, ' ')}));
+    logger.setLevel(0); // no transfer traces
     deviceSends("0123456789");
     std::this_thread::sleep_for(milliseconds(20));
-    EXPECT_EQ(port.available(), 10u);
+    EXPECT_EQ(port.recv(buffer, 2), 2u);
+    EXPECT_EQ(port.available(), 8u);
     port.purge();
     EXPECT_EQ(port.available(), 0u);
-    unsigned char buffer[10];
     EXPECT_EQ(port.recv(buffer, 10), 0u);
+    EXPECT_EQ(channel->messages().size(), 4u);
 }
 
 // A pseudo-terminal keeps 8 data bits and no parity enable whatever it is told (the
-// kernel forces them); the fake-based suite checks those fields of the DCB instead.
+// kernel forces them); the scripted suite checks those fields of the DCB instead.
 TEST_F(PtyPair, ConfigureReachesTheLine)
 {
-    SerialIO port(config(0, 0));
+    SerialIO port(config({0, 0, 0, 0, 0}));
+    const struct {
+        const char* text;
+        speed_t speed;
+        tcflag_t cflags, iflags;
+    } steps[] = {
+        {"baud=19200;parity=odd;stop=2;flow=hardware", B19200, PARODD | CSTOPB | CRTSCTS, 0},
+        {"parity=even;stop=1;flow=software", B19200, 0, IXON | IXOFF}, // no baud: the speed stays
+        {"flow=off;baud=115200", B115200, 0, 0},
+    };
     termios line;
-    port.config() = SerialConfig::fromString("baud=19200;data=7;parity=odd;stop=2;flow=hardware;device=" + slaveName);
-    ASSERT_EQ(::tcgetattr(slave, &line), 0);
-    EXPECT_NE(cfgetospeed(&line), B19200) << "nothing changes before configure";
-
-    port.configure();
-    ASSERT_EQ(::tcgetattr(slave, &line), 0);
-    EXPECT_EQ(cfgetospeed(&line), B19200);
-    EXPECT_NE(line.c_cflag & PARODD, 0u);
-    EXPECT_NE(line.c_cflag & CSTOPB, 0u);
-    EXPECT_NE(line.c_cflag & CRTSCTS, 0u);
-    EXPECT_EQ(line.c_iflag & (IXON | IXOFF), 0u);
-
-    port.config().setFlowControl(flowSoftware);
-    port.config().setParity(parityEven);
-    port.config().setStopBits(stopBits1);
-    port.config().setBaudRate(0); // not given: the line keeps its speed
-    port.configure();
-    ASSERT_EQ(::tcgetattr(slave, &line), 0);
-    EXPECT_EQ(cfgetospeed(&line), B19200);
-    EXPECT_EQ(line.c_cflag & CRTSCTS, 0u);
-    EXPECT_EQ(line.c_iflag & (IXON | IXOFF), static_cast<tcflag_t>(IXON | IXOFF));
-    EXPECT_EQ(line.c_cflag & PARODD, 0u);
-    EXPECT_EQ(line.c_cflag & CSTOPB, 0u);
-
-    port.config().setBaudRate(115200);
-    port.config().setFlowControl(flowOff);
-    port.configure();
-    ASSERT_EQ(::tcgetattr(slave, &line), 0);
-    EXPECT_EQ(cfgetospeed(&line), B115200);
-    EXPECT_EQ(line.c_iflag & (IXON | IXOFF), 0u);
+    for (const auto& step : steps) {
+        port.config() = SerialConfig::fromString(std::string(step.text) + ";device=" + slaveName);
+        port.configure();
+        ASSERT_EQ(::tcgetattr(slave, &line), 0);
+        EXPECT_EQ(cfgetospeed(&line), step.speed) << step.text;
+        EXPECT_EQ(line.c_cflag & (PARODD | CSTOPB | CRTSCTS), step.cflags) << step.text;
+        EXPECT_EQ(line.c_iflag & (IXON | IXOFF), step.iflags) << step.text;
+    }
 }
 
 TEST_F(PtyPair, VanishedDeviceGivesShortCountsNotAHang)
 {
-    SerialIO port(config(0, 0)); // all zero: a read would wait for every byte
-    std::thread device([&] {
-        deviceSends("ab");
-        std::this_thread::sleep_for(milliseconds(50));
-        ::close(master);
-        master = -1;
-    });
+    SerialIO port(config({0, 0, 0, 0, 0})); // all zero: a read would wait for every byte
+    deviceSends("ab");
+    std::thread device([&] { std::this_thread::sleep_for(milliseconds(50)), ::close(master), master = -1; });
     unsigned char buffer[10] = {};
-    const auto start = Clock::now();
     EXPECT_EQ(port.recv(buffer, 10), 2u);
     device.join();
-    EXPECT_LE(Clock::now() - start, milliseconds(1000));
     EXPECT_EQ(port.recv(buffer, 10), 0u);
     EXPECT_EQ(port.send(buffer, 4), 0u);
 }

@@ -106,8 +106,8 @@ TEST(ConsoleLogChannel, LinesOfManyThreadsNeverMix)
     for (int t = 0; t < threadCount; ++t)
         threads.emplace_back([&, t] {
             for (int i = 0; i < perThread; ++i)
-                channel->write("t" + std::to_string(t), "message " + std::to_string(i) + " of thread " +
-                                                            std::to_string(t) + "\ncontinued");
+                channel->write("t" + std::to_string(t),
+                               "message " + std::to_string(i) + " of thread " + std::to_string(t) + "\ncontinued");
         });
     for (auto& thread : threads)
         thread.join();

@@ -144,7 +144,8 @@ TEST(SimpleFormatter, ManyThreadsAtOnce)
             const std::string name = "thread" + std::to_string(t);
             for (int i = 0; i < 2000; ++i) {
                 const std::string text = formatter.format(name, "line\nmore");
-                if (text.size() != 13 + 1 + 16 + 2 + 4 + 1 + 32 + 4 + 1 || text.compare(12, 9, " [thread" + std::to_string(t)) != 0)
+                if (text.size() != 13 + 1 + 16 + 2 + 4 + 1 + 32 + 4 + 1 ||
+                    text.compare(12, 9, " [thread" + std::to_string(t)) != 0)
                     ++bad[t];
             }
         });

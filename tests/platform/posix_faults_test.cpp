@@ -10,141 +10,61 @@
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <string>
-#include <unistd.h>
-
-namespace {
 
 using ovo_fake::failCall;
 
-class PosixFaultsTest : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        ovo_fake::clearFailures();
-        setenv("XDG_CONFIG_HOME", config_.string().c_str(), 1);
-    }
-    void TearDown() override
-    {
-        ovo_fake::clearFailures();
-        unsetenv("XDG_CONFIG_HOME");
-    }
-
-    HKEY createKey(const char* name)
-    {
-        HKEY key = nullptr;
-        EXPECT_EQ(RegCreateKeyExA(HKEY_CURRENT_USER, name, 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS,
-                                  nullptr, &key, nullptr),
-                  0);
-        return key;
-    }
-
-    static std::string text(HKEY key, const char* name)
-    {
-        char buffer[64] = {};
-        DWORD type = 0, size = sizeof buffer;
-        return RegQueryValueExA(key, name, nullptr, &type, reinterpret_cast<BYTE*>(buffer), &size) == 0
-                   ? std::string(buffer, size)
-                   : "(none)";
-    }
-
-    static LONG setText(HKEY key, const char* name, const std::string& value)
-    {
-        return RegSetValueExA(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(value.data()),
-                              static_cast<DWORD>(value.size()));
-    }
-
-    ovo_test::TempDir config_, files_;
-};
-
-TEST_F(PosixFaultsTest, ARegistryWriteThatFailsLeavesTheOldValues)
+TEST(PosixFaults, FailuresReportTheCauseAndChangeNothing)
 {
-    HKEY key = createKey("Faults");
-    ASSERT_EQ(setText(key, "value", "old"), 0);
+    ovo_test::TempDir config, files;
+    setenv("XDG_CONFIG_HOME", config.string().c_str(), 1);
+    HKEY key = nullptr;
+    ASSERT_EQ(RegCreateKeyExA(HKEY_CURRENT_USER, "Faults", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr), 0);
+    const auto setText = [&](const char* text) {
+        return RegSetValueExA(key, "value", 0, REG_SZ, reinterpret_cast<const BYTE*>(text), 3);
+    };
+    const auto text = [&] {
+        char buffer[8] = {};
+        DWORD size = sizeof buffer;
+        const LONG result = RegQueryValueExA(key, "value", nullptr, nullptr, reinterpret_cast<BYTE*>(buffer), &size);
+        return result == 0 ? std::string(buffer, size) : "error " + std::to_string(result);
+    };
+    ASSERT_EQ(setText("old"), 0);
+    const std::string file = (files.path() / "file").string();
+    HANDLE handle = CreateFileA(file.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    DWORD done = 0;
+    char buffer[8];
+    const auto fileCode = [](BOOL ok) { return ok ? 0L : static_cast<LONG>(GetLastError()); };
     const struct {
         const char* call;
-        int error;
+        int error, times;
+        std::function<LONG()> result; // the layer's code, 0 for success
         LONG code;
-    } failures[] = {
-        {"write", ENOSPC, 112},     // ERROR_DISK_FULL
-        {"rename", EIO, 31},        // ERROR_GEN_FAILURE
-        {"open", EMFILE, 4},        // ERROR_TOO_MANY_OPEN_FILES
+    } cases[] = {
+        {"write", ENOSPC, 1, [&] { return setText("new"); }, 112}, // ERROR_DISK_FULL
+        {"rename", EIO, 1, [&] { return setText("new"); }, 31},    // ERROR_GEN_FAILURE
+        {"open", EMFILE, 1, [&] { return setText("new"); }, 4},    // ERROR_TOO_MANY_OPEN_FILES
+        {"read", EIO, 1, [&] { return text() == "error 31" ? 31L : 0L; }, 31},
+        {"fsync", EIO, 1, [&] { return RegFlushKey(key); }, 31},
+        {"write", ENOSPC, 1, [&] { return fileCode(WriteFile(handle, "abc", 3, &done, nullptr)); }, 112},
+        {"read", EIO, 1, [&] { return fileCode(ReadFile(handle, buffer, sizeof buffer, &done, nullptr)); }, 31},
+        {"open", EMFILE, 1,
+         [&] { return fileCode(CreateFileA(file.c_str(), 0, 3, nullptr, 3, 0, nullptr) != INVALID_HANDLE_VALUE); }, 4},
+        {"write", EINTR, 3, [&] { return setText("old"); }, 0},
+        {"read", EINTR, 2, [&] { return text() == "old" ? 0L : 1L; }, 0},
+        {"write", EINTR, 2, [&] { return fileCode(WriteFile(handle, "hello", 5, &done, nullptr)); }, 0},
     };
-    for (const auto& failure : failures) {
-        failCall(failure.call, failure.error, 1, failure.call == std::string("open") ? 1 : 0); // past the read
-        EXPECT_EQ(setText(key, "value", "new"), failure.code) << failure.call;
-        EXPECT_EQ(text(key, "value"), "old") << failure.call;
-        EXPECT_FALSE(std::filesystem::exists(config_.path() / "ovosystem/registry/faults/%values.new"));
-        ovo_fake::clearFailures();
+    for (const auto& c : cases) {
+        failCall(c.call, c.error, c.times);
+        EXPECT_EQ(c.result(), c.code) << c.call << " " << c.error;
+        failCall();
+        EXPECT_EQ(text(), "old") << c.call << " " << c.error;
+        const auto directory = config.path() / "ovosystem/registry/faults";
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(directory), {}), 1) << "a file left behind";
     }
-    EXPECT_EQ(setText(key, "value", "new"), 0);
-    EXPECT_EQ(text(key, "value"), "new");
-    failCall("fsync", EIO);
-    EXPECT_EQ(RegFlushKey(key), 31);
+    CloseHandle(handle);
+    EXPECT_EQ(ovo_test::readFile(file), "hello");
     RegCloseKey(key);
+    unsetenv("XDG_CONFIG_HOME");
 }
-
-TEST_F(PosixFaultsTest, InterruptedCallsAreRetried)
-{
-    HKEY key = createKey("Interrupted");
-    failCall("write", EINTR, 3);
-    ASSERT_EQ(setText(key, "value", "whole"), 0);
-    failCall("read", EINTR, 2);
-    EXPECT_EQ(text(key, "value"), "whole");
-    EXPECT_GE(ovo_fake::callsOf("read"), 3);
-    RegCloseKey(key);
-
-    const std::string path = (files_.path() / "file").string();
-    HANDLE file = CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
-                              FILE_ATTRIBUTE_NORMAL, nullptr);
-    ASSERT_NE(file, INVALID_HANDLE_VALUE);
-    failCall("write", EINTR, 2);
-    DWORD written = 0;
-    EXPECT_TRUE(WriteFile(file, "hello", 5, &written, nullptr));
-    EXPECT_EQ(written, 5u);
-    CloseHandle(file);
-    EXPECT_EQ(ovo_test::readFile(path), "hello");
-}
-
-TEST_F(PosixFaultsTest, FileTransfersReportTheCause)
-{
-    const std::string path = (files_.path() / "file").string();
-    HANDLE file = CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
-                              FILE_ATTRIBUTE_NORMAL, nullptr);
-    ASSERT_NE(file, INVALID_HANDLE_VALUE);
-    DWORD done = 0;
-    failCall("write", ENOSPC);
-    EXPECT_FALSE(WriteFile(file, "abc", 3, &done, nullptr));
-    EXPECT_EQ(GetLastError(), 112u);
-    failCall("read", EIO);
-    char buffer[4];
-    EXPECT_FALSE(ReadFile(file, buffer, sizeof buffer, &done, nullptr));
-    EXPECT_EQ(GetLastError(), 31u);
-    CloseHandle(file);
-    failCall("open", EMFILE);
-    EXPECT_EQ(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr),
-              INVALID_HANDLE_VALUE);
-    EXPECT_EQ(GetLastError(), 4u);
-}
-
-TEST_F(PosixFaultsTest, ANamedObjectThatCannotBeMadeLeavesNothing)
-{
-    const std::string name = "Local\\ovofaults-" + std::to_string(getpid());
-    const std::string file = "/dev/shm/ovosystem.l.ovofaults-" + std::to_string(getpid());
-    failCall("ftruncate", ENOSPC, 1, 1); // the second one sizes the block
-    EXPECT_EQ(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 4096, name.c_str()), nullptr);
-    EXPECT_EQ(GetLastError(), 112u);
-    EXPECT_FALSE(std::filesystem::exists(file));
-    failCall("open", EMFILE);
-    EXPECT_EQ(CreateMutexA(nullptr, FALSE, name.c_str()), nullptr);
-    EXPECT_EQ(GetLastError(), 4u);
-    EXPECT_FALSE(std::filesystem::exists(file));
-
-    HANDLE mapping = CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 4096, name.c_str());
-    ASSERT_NE(mapping, nullptr); // the name is free and works again
-    EXPECT_EQ(GetLastError(), 0u);
-    CloseHandle(mapping);
-    EXPECT_FALSE(std::filesystem::exists(file));
-}
-
-} // namespace

@@ -1,5 +1,5 @@
-// The other process of the registry tests: writes one key's values in turns, long texts
-// of all 'A' or all 'B' and a count, and leaves a file once the first write is done.
+// The other process of the registry tests: writes one key's values in turns, texts of 4000
+// 'A' or 'B' and a count, COUNT times (0: until killed), and leaves FILE after the first.
 #include <ovo/number_parser.h>
 #include <ovo/win32/registry.h>
 
@@ -8,13 +8,10 @@
 
 int main(int argc, char** argv)
 {
-    if (argc != 4)
-        return 2;
-    const std::string keyName = argv[1];
-    const unsigned count = ovo::NumberParser::parseUInt32(argv[2]); // 0: until killed
     ovo::win32::registry key(HKEY_CURRENT_USER);
-    if (!key.createAndOpen(keyName, 0xF003F)) // KEY_ALL_ACCESS
-        return 1;
+    if (argc != 4 || !key.createAndOpen(argv[1], 0xF003F)) // KEY_ALL_ACCESS
+        return 2;
+    const unsigned count = ovo::NumberParser::parseUInt32(argv[2]);
     for (unsigned n = 1; count == 0 || n <= count; ++n) {
         key.setStringValue("text", std::string(4000, n % 2 == 0 ? 'A' : 'B'));
         key.setDWORDValue("count", n);

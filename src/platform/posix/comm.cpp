@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <cstdint>
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <termios.h>
@@ -42,17 +43,29 @@ private:
     // Waits for the descriptor to become readable or writable; a negative wait is no limit.
     Wait waitFor(short events, long long milliseconds) const;
     // Waits for the next chance to go on with a transfer of which `done` bytes went: until
-    // the total deadline (none for a negative total), and no longer than the interval once
-    // a byte has come (none for a negative interval). A vanished device ends the transfer,
-    // and fails it when nothing went yet.
-    Step awaitMore(short events, long long total, Clock::time_point deadline, long long interval, DWORD done) const;
+    // the deadline, and no longer than the interval once a byte has come (none for a
+    // negative interval). A vanished device ends the transfer, and fails it when nothing
+    // went yet.
+    Step awaitMore(short events, Clock::time_point deadline, long long interval, DWORD done) const;
 };
 
-SerialPort::Step SerialPort::awaitMore(short events, long long total, Clock::time_point deadline, long long interval,
-                                       DWORD done) const
+const Clock::time_point never = Clock::time_point::max();
+
+// The deadline of a total time-out of multiplier x bytes + constant milliseconds. The sum
+// fits 64 bits ((2^32 - 1) x 2^32 at most); a deadline past the clock's range is `never`
+// rather than a wrapped moment in the past.
+Clock::time_point deadlineOf(DWORD multiplier, DWORD size, DWORD constant)
+{
+    const std::uint64_t total = static_cast<std::uint64_t>(multiplier) * size + constant;
+    const auto now = Clock::now();
+    const auto left = std::chrono::duration_cast<Milliseconds>(never - now).count();
+    return total < static_cast<std::uint64_t>(left) ? now + Milliseconds(total) : never;
+}
+
+SerialPort::Step SerialPort::awaitMore(short events, Clock::time_point deadline, long long interval, DWORD done) const
 {
     long long wait = -1;
-    if (total >= 0) {
+    if (deadline != never) {
         wait = std::chrono::duration_cast<Milliseconds>(deadline - Clock::now()).count();
         if (wait <= 0)
             return Step::done;
@@ -84,8 +97,9 @@ SerialPort::Wait SerialPort::waitFor(short events, long long milliseconds) const
             if (left < 0)
                 left = 0;
         }
-        const int ready = ::poll(&entry, 1, static_cast<int>(std::min<long long>(left, 1 << 30)));
-        if (ready < 0 && errno == EINTR)
+        const int slice = static_cast<int>(std::min<long long>(left, 1 << 30)); // poll takes an int
+        const int ready = ::poll(&entry, 1, slice);
+        if ((ready < 0 && errno == EINTR) || (ready == 0 && left > slice))
             continue;
         if (ready == 0)
             return Wait::timedOut;
@@ -107,13 +121,11 @@ BOOL SerialPort::read(void* buffer, DWORD size, DWORD& done)
     const bool atOnce = noInterval && t.ReadTotalTimeoutMultiplier == 0 && t.ReadTotalTimeoutConstant == 0;
     const bool firstByteEnds = noInterval && t.ReadTotalTimeoutMultiplier == MAXDWORD &&
                                t.ReadTotalTimeoutConstant != 0 && t.ReadTotalTimeoutConstant != MAXDWORD;
-    long long total = -1;
-    if (firstByteEnds)
-        total = t.ReadTotalTimeoutConstant;
-    else if (!atOnce && (t.ReadTotalTimeoutMultiplier != 0 || t.ReadTotalTimeoutConstant != 0))
-        total = static_cast<long long>(t.ReadTotalTimeoutMultiplier) * size + t.ReadTotalTimeoutConstant;
+    const bool noTotal = atOnce || (t.ReadTotalTimeoutMultiplier == 0 && t.ReadTotalTimeoutConstant == 0);
+    const auto deadline = firstByteEnds ? deadlineOf(0, 0, t.ReadTotalTimeoutConstant)
+                          : noTotal     ? never
+                                        : deadlineOf(t.ReadTotalTimeoutMultiplier, size, t.ReadTotalTimeoutConstant);
     const long long interval = noInterval ? -1 : t.ReadIntervalTimeout == 0 ? -1 : t.ReadIntervalTimeout;
-    const auto deadline = Clock::now() + Milliseconds(total < 0 ? 0 : total);
 
     done = 0;
     while (done < size) {
@@ -134,7 +146,7 @@ BOOL SerialPort::read(void* buffer, DWORD size, DWORD& done)
         }
         if (atOnce)
             break;
-        const Step step = awaitMore(POLLIN, total, deadline, interval, done);
+        const Step step = awaitMore(POLLIN, deadline, interval, done);
         if (step == Step::done)
             break;
         if (step == Step::failed)
@@ -148,11 +160,8 @@ BOOL SerialPort::read(void* buffer, DWORD size, DWORD& done)
 BOOL SerialPort::write(const void* buffer, DWORD size, DWORD& done)
 {
     const auto* const data = static_cast<const unsigned char*>(buffer);
-    const long long total =
-        timeouts.WriteTotalTimeoutMultiplier == 0 && timeouts.WriteTotalTimeoutConstant == 0
-            ? -1
-            : static_cast<long long>(timeouts.WriteTotalTimeoutMultiplier) * size + timeouts.WriteTotalTimeoutConstant;
-    const auto deadline = Clock::now() + Milliseconds(total < 0 ? 0 : total);
+    const DWORD multiplier = timeouts.WriteTotalTimeoutMultiplier, constant = timeouts.WriteTotalTimeoutConstant;
+    const auto deadline = multiplier == 0 && constant == 0 ? never : deadlineOf(multiplier, size, constant);
     done = 0;
     while (done < size) {
         const ssize_t count = sys::write(descriptor, data + done, size - done);
@@ -168,7 +177,7 @@ BOOL SerialPort::write(const void* buffer, DWORD size, DWORD& done)
             setLastErrorFromErrno(errno);
             return FALSE;
         }
-        const Step step = awaitMore(POLLOUT, total, deadline, -1, done);
+        const Step step = awaitMore(POLLOUT, deadline, -1, done);
         if (step == Step::done)
             break;
         if (step == Step::failed)

@@ -104,6 +104,15 @@ int shareLock(DWORD desiredAccess, DWORD shareMode)
     return (shareMode & FILE_SHARE_READ) != 0 ? LOCK_SH : LOCK_EX;
 }
 
+// A plain path must name a regular file and "\\.\NAME" a character device. Anything else
+// (a FIFO, a directory, a socket) is refused: the open itself is non-blocking, so that a
+// FIFO without a reader can never hold the caller.
+bool isExpectedKind(int descriptor, bool device)
+{
+    struct stat status;
+    return ::fstat(descriptor, &status) == 0 && (device ? S_ISCHR(status.st_mode) : S_ISREG(status.st_mode));
+}
+
 } // namespace
 
 } // namespace posix
@@ -124,14 +133,20 @@ HANDLE CreateFileA(LPCSTR fileName, DWORD desiredAccess, DWORD shareMode, LPSECU
     }
     std::string path = fileName;
     const bool device = ovo::posix::devicePath(fileName, path);
+    flags |= O_NONBLOCK; // regular files ignore it; serial ports keep it
     if (device)
-        flags = (flags & ~O_CREAT) | O_NOCTTY | O_NONBLOCK; // a device is never made here
+        flags = (flags & ~O_CREAT) | O_NOCTTY; // a device is never made here
     int descriptor;
     do
         descriptor = sys::open(path.c_str(), flags, 0666);
     while (descriptor < 0 && errno == EINTR);
     if (descriptor < 0) {
-        setLastErrorFromErrno(errno);
+        setLastErrorFromErrno(errno == ENXIO && !device ? EACCES : errno); // a FIFO with no reader
+        return INVALID_HANDLE_VALUE;
+    }
+    if (!ovo::posix::isExpectedKind(descriptor, device)) {
+        ::close(descriptor);
+        SetLastError(ERROR_ACCESS_DENIED);
         return INVALID_HANDLE_VALUE;
     }
     const int lock = ovo::posix::shareLock(desiredAccess, shareMode);

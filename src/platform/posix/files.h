@@ -1,6 +1,8 @@
 // Files in the POSIX layer. Share modes hold between processes and threads through
 // flock(): a handle opened for writing without FILE_SHARE_WRITE keeps an exclusive lock,
-// so that a second such open fails with ERROR_SHARING_VIOLATION, as on Windows.
+// so that a second such open fails with ERROR_SHARING_VIOLATION, as on Windows. A plain
+// path opens a regular file only and "\\.\NAME" a character device only: anything else
+// (a FIFO, a directory) gives ERROR_ACCESS_DENIED at once instead of blocking.
 #ifndef OVO_SRC_PLATFORM_POSIX_FILES_H
 #define OVO_SRC_PLATFORM_POSIX_FILES_H
 

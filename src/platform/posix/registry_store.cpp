@@ -10,8 +10,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <dirent.h>
 #include <fcntl.h>
 #include <mutex>
 #include <pwd.h>
@@ -25,10 +27,6 @@
 namespace {
 
 namespace sys = ovo::posix::sys;
-
-const char valuesFile[] = "%values";       // '%' followed by no hex digits: no key name encodes to it
-const char newValuesFile[] = "%values.new"; // the next values, complete before the rename
-const char magic[] = "OVOREG1\n";
 
 // The object behind a key handle of the layer.
 struct RegistryKey {
@@ -156,109 +154,124 @@ LONG makeDirectories(const std::string& path, mode_t mode)
     }
 }
 
-struct Value {
-    std::string name;
-    DWORD type;
-    std::string data;
-};
+// A value is one file in its key's directory, so that a write costs the value written and
+// a query the value read. Its name is the value name folded to lower case and escaped
+// behind "%v" ('%' and a letter that is no hex digit: no key directory is named so);
+// names too long for one file name go by a 64-bit hash of the folded name behind "%h".
+// The file holds a magic word, the type, then the data.
+const char valuePrefix[] = "%v";
+const char hashedValuePrefix[] = "%h";
+const char nextValueFile[] = "%next"; // the value being written, complete before the rename
+const char valueMagic[8] = {'O', 'V', 'O', 'V', 'A', 'L', '1', '\n'};
+const std::size_t headerSize = sizeof valueMagic + 4;
+const std::size_t longestPlainName = 200; // escaped; file names end at 255 bytes
 
-bool readAll(int fd, std::string& bytes)
+std::string valuePath(const std::string& directory, LPCSTR name)
 {
-    char buffer[8192];
-    for (;;) {
-        const ssize_t count = sys::read(fd, buffer, sizeof buffer);
+    const std::string folded = ovo::toLower(name != nullptr ? name : "");
+    const std::string escaped = ovo::posix::escapedFileName(folded);
+    if (escaped.size() <= longestPlainName)
+        return directory + "/" + valuePrefix + escaped;
+    std::uint64_t hash = 14695981039346656037ull; // FNV-1a
+    for (unsigned char c : folded)
+        hash = (hash ^ c) * 1099511628211ull;
+    char hex[17];
+    std::snprintf(hex, sizeof hex, "%016llx", static_cast<unsigned long long>(hash));
+    return directory + "/" + hashedValuePrefix + hex;
+}
+
+bool isValueFile(const char* name)
+{
+    return std::strncmp(name, valuePrefix, 2) == 0 || std::strncmp(name, hashedValuePrefix, 2) == 0;
+}
+
+// Opens a value file for reading; only a regular file counts (a FIFO would block).
+int openValue(const std::string& path, struct stat& status)
+{
+    const int fd = sys::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd >= 0 && (fstat(fd, &status) != 0 || !S_ISREG(status.st_mode))) {
+        close(fd);
+        errno = ENOENT;
+        return -1;
+    }
+    return fd;
+}
+
+// Reads `size` bytes or fails (EIO for a file that ends early).
+bool readExactly(int fd, void* buffer, std::size_t size)
+{
+    auto* bytes = static_cast<char*>(buffer);
+    for (std::size_t done = 0; done < size;) {
+        const ssize_t count = sys::read(fd, bytes + done, size - done);
         if (count < 0 && errno == EINTR)
             continue;
-        if (count < 0)
+        if (count <= 0) {
+            errno = count == 0 ? EIO : errno;
             return false;
-        if (count == 0)
-            return true;
-        bytes.append(buffer, static_cast<std::size_t>(count));
+        }
+        done += static_cast<std::size_t>(count);
     }
-}
-
-void put32(std::string& bytes, std::uint32_t value) { bytes.append(reinterpret_cast<const char*>(&value), 4); }
-
-bool take32(const std::string& bytes, std::size_t& at, std::uint32_t& value)
-{
-    if (bytes.size() - at < 4)
-        return false;
-    std::memcpy(&value, bytes.data() + at, 4);
-    at += 4;
     return true;
 }
 
-bool takeText(const std::string& bytes, std::size_t& at, std::string& text)
+// A key's value: its type and size from the header, its data only when asked for.
+LONG readValue(const std::string& path, LPDWORD type, LPBYTE data, LPDWORD size)
 {
-    std::uint32_t size;
-    if (!take32(bytes, at, size) || bytes.size() - at < size)
-        return false;
-    text.assign(bytes, at, size);
-    at += size;
-    return true;
-}
-
-// The values of a key directory; none when it has no values file yet.
-LONG readValues(const std::string& directory, std::vector<Value>& values)
-{
-    values.clear();
-    if (!isDirectory(directory))
-        return ERROR_FILE_NOT_FOUND; // the key itself is gone
-    const int fd = sys::open((directory + "/" + valuesFile).c_str(), O_RDONLY | O_CLOEXEC);
+    struct stat status;
+    const int fd = openValue(path, status);
     if (fd < 0)
-        return errno == ENOENT ? ERROR_SUCCESS : errorOf(errno);
-    std::string bytes;
-    const bool read = readAll(fd, bytes);
+        return errno == ENOENT || errno == ENOTDIR ? ERROR_FILE_NOT_FOUND : errorOf(errno);
+    char header[headerSize];
+    LONG result = ERROR_SUCCESS;
+    if (static_cast<std::size_t>(status.st_size) >= headerSize && !readExactly(fd, header, headerSize)) {
+        result = errorOf(errno);
+    } else if (static_cast<std::size_t>(status.st_size) < headerSize ||
+               std::memcmp(header, valueMagic, sizeof valueMagic) != 0) {
+        result = ERROR_FILE_NOT_FOUND; // not written by this store
+    } else {
+        const DWORD length = static_cast<DWORD>(status.st_size - headerSize);
+        if (type != nullptr)
+            std::memcpy(type, header + sizeof valueMagic, 4);
+        if (data != nullptr && *size < length)
+            result = ERROR_MORE_DATA;
+        else if (data != nullptr && !readExactly(fd, data, length))
+            result = errorOf(errno);
+        if (size != nullptr)
+            *size = length;
+    }
     close(fd);
-    if (!read)
-        return ERROR_GEN_FAILURE;
-    // Records after the header; a damaged tail (written by something else) is ignored.
-    std::size_t at = std::strlen(magic);
-    if (bytes.compare(0, at, magic) != 0)
-        return ERROR_SUCCESS;
-    for (Value value; takeText(bytes, at, value.name) && take32(bytes, at, value.type) && takeText(bytes, at, value.data);)
-        values.push_back(value);
-    return ERROR_SUCCESS;
+    return result;
 }
 
-LONG writeValues(const std::string& directory, const std::vector<Value>& values, bool machine)
+// Writes the next value beside the key's values and renames it into place: another
+// process sees the old or the new value, also when this one dies on the way.
+LONG writeValue(const std::string& directory, const std::string& path, DWORD type, const BYTE* data, DWORD size,
+                bool machine)
 {
-    std::string bytes = magic;
-    for (const Value& value : values) {
-        put32(bytes, static_cast<std::uint32_t>(value.name.size()));
-        bytes += value.name;
-        put32(bytes, value.type);
-        put32(bytes, static_cast<std::uint32_t>(value.data.size()));
-        bytes += value.data;
-    }
-    const std::string next = directory + "/" + newValuesFile;
-    const int fd = sys::open(next.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, machine ? 0644 : 0600);
+    const std::string next = directory + "/" + nextValueFile;
+    unlink(next.c_str()); // left by a writer that died
+    const int fd = sys::open(next.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, machine ? 0644 : 0600);
     if (fd < 0)
         return errorOf(errno);
-    std::size_t done = 0;
-    const bool written = ovo::posix::writeWhole(fd, bytes.data(), bytes.size(), done);
+    char header[headerSize];
+    std::memcpy(header, valueMagic, sizeof valueMagic);
+    std::memcpy(header + sizeof valueMagic, &type, 4);
+    std::size_t headerDone = 0, dataDone = 0;
+    const bool written =
+        ovo::posix::writeWhole(fd, header, headerSize, headerDone) && ovo::posix::writeWhole(fd, data, size, dataDone);
     const int writeError = errno;
     close(fd);
-    if (written && sys::rename(next.c_str(), (directory + "/" + valuesFile).c_str()) == 0)
+    if (written && sys::rename(next.c_str(), path.c_str()) == 0)
         return ERROR_SUCCESS;
     const LONG failure = errorOf(written ? errno : writeError);
-    unlink(next.c_str()); // the old values stay as they were
+    unlink(next.c_str()); // the old value stays as it was
     return failure;
 }
 
-std::vector<Value>::iterator findValue(std::vector<Value>& values, LPCSTR name)
-{
-    const std::string wanted = name != nullptr ? name : "";
-    for (auto value = values.begin(); value != values.end(); ++value)
-        if (ovo::icompare(value->name, wanted))
-            return value;
-    return values.end();
-}
-
-// Changes a key's values under an exclusive lock of its directory (writers in every
-// process take turns; readers never wait: they read whole files).
+// Changes a value under an exclusive lock of its key's directory: writers in every process
+// take turns; readers never wait, they open whole files.
 template <typename Change>
-LONG changeValues(HKEY handle, Change change)
+LONG changeValue(HKEY handle, LPCSTR name, Change change)
 {
     RegistryKey key;
     LONG result = describe(handle, key);
@@ -271,12 +284,7 @@ LONG changeValues(HKEY handle, Change change)
         return errno == ENOENT ? ERROR_FILE_NOT_FOUND : errorOf(errno);
     while (flock(lock, LOCK_EX) != 0 && errno == EINTR) {
     }
-    std::vector<Value> values;
-    result = readValues(key.directory, values);
-    if (result == ERROR_SUCCESS)
-        result = change(values);
-    if (result == ERROR_SUCCESS)
-        result = writeValues(key.directory, values, key.machine);
+    result = change(key, valuePath(key.directory, name));
     close(lock);
     return result;
 }
@@ -340,10 +348,21 @@ LONG RegFlushKey(HKEY handle)
     LONG result = describe(handle, key);
     if (result != ERROR_SUCCESS)
         return result;
-    for (const std::string& path : {key.directory + "/" + valuesFile, key.directory}) {
-        const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    DIR* const directory = opendir(key.directory.c_str());
+    if (directory == nullptr)
+        return errno == ENOENT ? ERROR_FILE_NOT_FOUND : errorOf(errno);
+    std::vector<std::string> paths;
+    while (const dirent* entry = readdir(directory))
+        if (isValueFile(entry->d_name))
+            paths.push_back(key.directory + "/" + entry->d_name);
+    closedir(directory);
+    paths.push_back(key.directory); // the renames
+    for (const std::string& path : paths) {
+        struct stat status;
+        const int fd =
+            path == key.directory ? open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC) : openValue(path, status);
         if (fd < 0 && errno == ENOENT)
-            continue; // no values yet
+            continue; // deleted meanwhile
         if (fd < 0)
             return errorOf(errno);
         const bool synced = sys::fsync(fd) == 0;
@@ -365,48 +384,23 @@ LONG RegQueryValueExA(HKEY handle, LPCSTR name, LPDWORD, LPDWORD type, LPBYTE da
         return ERROR_ACCESS_DENIED;
     if (data != nullptr && size == nullptr)
         return ERROR_INVALID_PARAMETER;
-    std::vector<Value> values;
-    if ((result = readValues(key.directory, values)) != ERROR_SUCCESS)
-        return result;
-    const auto value = findValue(values, name);
-    if (value == values.end())
-        return ERROR_FILE_NOT_FOUND;
-    if (type != nullptr)
-        *type = value->type;
-    const DWORD length = static_cast<DWORD>(value->data.size());
-    if (data != nullptr && *size < length) {
-        *size = length;
-        return ERROR_MORE_DATA;
-    }
-    if (data != nullptr)
-        std::memcpy(data, value->data.data(), length);
-    if (size != nullptr)
-        *size = length;
-    return ERROR_SUCCESS;
+    return readValue(valuePath(key.directory, name), type, data, size);
 }
 
-LONG RegSetValueExA(HKEY key, LPCSTR name, DWORD, DWORD type, const BYTE* data, DWORD size)
+LONG RegSetValueExA(HKEY handle, LPCSTR name, DWORD, DWORD type, const BYTE* data, DWORD size)
 {
     if (data == nullptr && size != 0)
         return ERROR_INVALID_PARAMETER;
-    const std::string bytes(reinterpret_cast<const char*>(data), data != nullptr ? size : 0);
-    return changeValues(key, [&](std::vector<Value>& values) {
-        const auto value = findValue(values, name);
-        if (value == values.end())
-            values.push_back(Value{name != nullptr ? name : "", type, bytes});
-        else
-            *value = Value{value->name, type, bytes};
-        return static_cast<LONG>(ERROR_SUCCESS);
+    return changeValue(handle, name, [&](const RegistryKey& key, const std::string& path) {
+        return writeValue(key.directory, path, type, data, size, key.machine);
     });
 }
 
-LONG RegDeleteValueA(HKEY key, LPCSTR name)
+LONG RegDeleteValueA(HKEY handle, LPCSTR name)
 {
-    return changeValues(key, [&](std::vector<Value>& values) {
-        const auto value = findValue(values, name);
-        if (value == values.end())
-            return static_cast<LONG>(ERROR_FILE_NOT_FOUND);
-        values.erase(value);
-        return static_cast<LONG>(ERROR_SUCCESS);
+    return changeValue(handle, name, [](const RegistryKey&, const std::string& path) {
+        return unlink(path.c_str()) == 0 ? static_cast<LONG>(ERROR_SUCCESS)
+               : errno == ENOENT         ? static_cast<LONG>(ERROR_FILE_NOT_FOUND)
+                                         : errorOf(errno);
     });
 }

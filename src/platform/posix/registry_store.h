@@ -1,15 +1,16 @@
 // The registry of the POSIX layer: a tree of directories, one per key, under one
-// directory per root key; a key's values are one file in its directory.
+// directory per root key; each value of a key is one file in its directory.
 //
 //   HKEY_CURRENT_USER   $XDG_CONFIG_HOME/ovosystem/registry (or ~/.config/ovosystem/registry)
 //   HKEY_LOCAL_MACHINE  the first of $XDG_CONFIG_DIRS (or /etc/xdg), then ovosystem/registry
 //
-// Key names compare without case, as on Windows: each path element is stored folded to
-// lower case, every byte but letters, digits and "._-" written as %XX, so that no name
-// reaches outside the tree; "." and ".." and empty elements are refused
-// (ERROR_BAD_PATHNAME). A value write replaces the values file by renaming a complete new
-// one under an exclusive lock of the key's directory: readers see the old or the new
-// values, never a torn file, also when a writer dies. RegFlushKey makes them durable.
+// Key and value names compare without case, as on Windows: each is stored folded to lower
+// case, every byte but letters, digits and "._-" written as %XX, so that no name reaches
+// outside the tree; "." and ".." and empty key path elements are refused
+// (ERROR_BAD_PATHNAME). A value write renames a complete new file over the value's under
+// an exclusive lock of the key's directory: a set costs the value written, a query the
+// value read, and readers see the old or the new value, never a torn one, also when a
+// writer dies. RegFlushKey makes the key's values durable.
 #ifndef OVO_SRC_PLATFORM_POSIX_REGISTRY_STORE_H
 #define OVO_SRC_PLATFORM_POSIX_REGISTRY_STORE_H
 
