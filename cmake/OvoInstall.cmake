@@ -9,6 +9,8 @@ install(TARGETS ovosystem EXPORT ovosystemTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ovo DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+# ovo/version.h, which src/ generates into the build tree.
+install(FILES ${PROJECT_BINARY_DIR}/include/ovo/version.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ovo)
 install(EXPORT ovosystemTargets NAMESPACE ovo:: DESTINATION ${OVO_CMAKE_DIR})
 
 configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/ovosystemConfig.cmake.in

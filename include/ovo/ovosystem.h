@@ -24,6 +24,7 @@
 #include <ovo/number_parser.h>
 #include <ovo/nv_collection.h>
 #include <ovo/strings.h>
+#include <ovo/version.h>
 #include <ovo/win32/security_attributes.h>
 
 #endif
