@@ -38,6 +38,7 @@ public:
     nvCollection(const nvCollection& other);
     /// Takes the entries; other stays valid and empty.
     nvCollection(nvCollection&& other) noexcept;
+    /// Frees the entries.
     ~nvCollection();
     /// Replaces the entries with a deep copy of other's.
     nvCollection& operator=(const nvCollection& other);

@@ -34,8 +34,11 @@ public:
     SharedLibrary(const std::string& path, const std::string& directory);
     /// Releases the library.
     ~SharedLibrary();
+    /// Not copyable: the object owns its library.
+    ///@{
     SharedLibrary(const SharedLibrary&) = delete;
     SharedLibrary& operator=(const SharedLibrary&) = delete;
+    ///@}
 
     /// Loads the library at path.
     ///

@@ -35,6 +35,7 @@ public:
     apdu& operator=(const apdu& other);
     /// Takes other's bytes; other is left empty, without storage.
     apdu& operator=(apdu&& other) noexcept;
+    /// Frees the bytes.
     ~apdu();
 
     /// A unit of exactly the size bytes at data; nothing is parsed (data is not read for size 0).

@@ -56,8 +56,11 @@ public:
     pcsc(const std::string& readerName, ovo::logger::ILogger& logger);
     /// Releases the context; disconnect first if connected.
     ~pcsc();
+    /// Not copyable: the object owns its service context and connection.
+    ///@{
     pcsc(const pcsc&) = delete;
     pcsc& operator=(const pcsc&) = delete;
+    ///@}
 
     /// Connects to the card, shared, with T=0 or T=1; nothing happens when connected.
     /// @throws std::runtime_error "::SCardConnect() failed: SCard error: 0x%08X" (no card,

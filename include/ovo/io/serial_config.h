@@ -104,6 +104,7 @@ public:
     SerialConfig& operator=(const SerialConfig& other);
     /// Takes the name and copies the rest; the source keeps its numeric members.
     SerialConfig& operator=(SerialConfig&& other) noexcept;
+    /// Frees the name.
     ~SerialConfig();
 
     /// The port's name without a path prefix (COM3, ttyUSB0), or on Linux an absolute path.

@@ -39,8 +39,11 @@ public:
     SerialIO(const SerialConfig& config, ovo::logger::ILogger& logger);
     /// Closes the device.
     ~SerialIO();
+    /// Not copyable: the object owns its open device.
+    ///@{
     SerialIO(const SerialIO&) = delete;
     SerialIO& operator=(const SerialIO&) = delete;
+    ///@}
 
     /// The object's own copy; changes reach the device at the next configure().
     SerialConfig& config();

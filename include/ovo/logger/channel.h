@@ -19,6 +19,7 @@ namespace logger {
 /// set-up, before other threads use the channel.
 class ILogChannel {
 public:
+    /// Channels are shared handles: the last holder destroys the channel.
     virtual ~ILogChannel() = default;
     /// Formats message of the logger called name and delivers it. A channel reports no
     /// failure of delivery: a message it cannot deliver is lost.
@@ -43,6 +44,7 @@ public:
     AbstractLogChannel& operator=(const AbstractLogChannel& other);
     AbstractLogChannel& operator=(AbstractLogChannel&& other) noexcept;
     ///@}
+    /// Gives up this channel's share of its formatter.
     ~AbstractLogChannel() override;
 
     /// Keeps formatter (shared) for write. Set-up only: not safe while other threads write.

@@ -31,6 +31,7 @@ public:
     ConsoleLogChannel& operator=(const ConsoleLogChannel& other);
     ConsoleLogChannel& operator=(ConsoleLogChannel&& other) noexcept;
     ///@}
+    /// Gives up this channel's share of its formatter; nothing is left to flush.
     ~ConsoleLogChannel() override;
 
     /// Formats the message and inserts it into std::clog, under the console mutex.
@@ -48,8 +49,12 @@ class OVO_API SplitLogChannel : public AbstractLogChannel {
 public:
     /// A split channel without members.
     SplitLogChannel();
+    /// Not copyable: the channel owns its lock.
+    ///@{
     SplitLogChannel(const SplitLogChannel&) = delete;
     SplitLogChannel& operator=(const SplitLogChannel&) = delete;
+    ///@}
+    /// Gives up this channel's share of its members and formatter.
     ~SplitLogChannel() override;
 
     /// Adds channel (shared) behind the members there are; it receives the messages from

@@ -34,8 +34,12 @@ public:
     ///
     /// Touches neither the directory nor a file; the directory is not created later either.
     FileLogChannel(const std::string& directory, const std::string& suffix);
+    /// Not copyable: the channel owns its file and its lock.
+    ///@{
     FileLogChannel(const FileLogChannel&) = delete;
     FileLogChannel& operator=(const FileLogChannel&) = delete;
+    ///@}
+    /// Nothing is left to flush: every message was appended whole, and no file stays open.
     ~FileLogChannel() override;
 
     /// Formats the message and appends it to the file of the day; reports nothing.

@@ -16,6 +16,7 @@ namespace logger {
 /// several threads at once, as the library's own are.
 class IMessageFormatter {
 public:
+    /// Formatters are shared handles: the last holder destroys the formatter.
     virtual ~IMessageFormatter() = default;
     /// The finished text of message, logged by the logger called name.
     virtual std::string format(const std::string& name, const std::string& message) = 0;

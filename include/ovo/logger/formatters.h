@@ -24,6 +24,7 @@ public:
     ConsoleFormatter& operator=(const ConsoleFormatter& other);
     ConsoleFormatter& operator=(ConsoleFormatter&& other) noexcept;
     ///@}
+    /// Has nothing to release.
     ~ConsoleFormatter() override;
 
     /// message followed by a line feed; name is not shown.
@@ -49,6 +50,7 @@ public:
     SimpleFormatter& operator=(const SimpleFormatter& other);
     SimpleFormatter& operator=(SimpleFormatter&& other) noexcept;
     ///@}
+    /// Has nothing to release.
     ~SimpleFormatter() override;
 
     /// The stamped line (or lines) of message, logged by the logger called name.

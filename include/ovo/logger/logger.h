@@ -24,6 +24,7 @@ namespace logger {
 /// log.
 class ILogger {
 public:
+    /// Loggers belong to the registry: shutdown() destroys them, callers never do.
     virtual ~ILogger() = default;
 
     /// The channel the logger writes to (a shared handle).

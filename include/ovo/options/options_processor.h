@@ -20,6 +20,7 @@ namespace ProgramOptions {
 /// never owns or destroys them. It calls them on the thread that calls process.
 class IOptionValue {
 public:
+    /// Lets an application own its value objects through this interface.
     virtual ~IOptionValue() = default;
     /// Takes the text behind the delimiter, or "". True when the option counts as processed.
     virtual bool setValue(const std::string& text) = 0;
@@ -43,8 +44,11 @@ public:
     explicit OptionsProcessor(char prefix = '-', char delimiter = '=');
     /// Destroys the entries, not their value objects.
     ~OptionsProcessor();
+    /// Not copyable: the entries belong to one processor.
+    ///@{
     OptionsProcessor(const OptionsProcessor&) = delete;
     OptionsProcessor& operator=(const OptionsProcessor&) = delete;
+    ///@}
 
     /// Adds an option with a short and a long name; value is not owned and must outlive
     /// the processor's use of it.
