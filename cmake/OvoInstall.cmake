@@ -11,6 +11,8 @@ install(TARGETS ovosystem EXPORT ovosystemTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT dev
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT dev)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ovo DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT dev)
+# ovo/version.h, which src/ generates into the build tree.
+install(FILES ${PROJECT_BINARY_DIR}/include/ovo/version.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ovo COMPONENT dev)
 install(EXPORT ovosystemTargets NAMESPACE ovo:: DESTINATION ${OVO_CMAKE_DIR} COMPONENT dev)
 
 configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/ovosystemConfig.cmake.in

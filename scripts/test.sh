@@ -2,6 +2,8 @@
 # Runs every suite of ovosystem on a Debian 12 machine, installing what is missing first:
 #   linux   the test suite (with a PC/SC service and a virtual card), the ovo tool and
 #           the benchmarks built
+#   docs    the API reference by Doxygen, where any warning (an undocumented public name
+#           among them) fails the suite
 #   asan    the test suite under AddressSanitizer and UndefinedBehaviorSanitizer
 #   tsan    the test suite under ThreadSanitizer
 #   win64   the Windows 64-bit build, its test suite under Wine (its ZIP package among
@@ -20,12 +22,12 @@ builds=${OVO_BUILD_ROOT:-$root/build}
 jobs=${OVO_JOBS:-$(nproc)}
 fuzzSeconds=${OVO_FUZZ_SECONDS:-10}
 suites=("$@")
-[ ${#suites[@]} -gt 0 ] || suites=(linux asan tsan win64 win32 package fuzz bench)
+[ ${#suites[@]} -gt 0 ] || suites=(linux docs asan tsan win64 win32 package fuzz bench)
 
 packages=(cmake ninja-build g++ pkg-config util-linux googletest libgtest-dev libbenchmark-dev libspdlog-dev libboost-dev
           clang libclang-rt-14-dev g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix wine64
           libpcsclite-dev pcscd pcsc-tools vsmartcard-vpcd vsmartcard-vpicc python3-pycryptodome
-          dpkg-dev file lintian socat)
+          doxygen dpkg-dev file lintian socat)
 
 log() { printf '\n=== %s\n' "$*"; }
 
@@ -65,6 +67,19 @@ runTests() { # suite
 
 suite_linux() {
     configureAndBuild linux -DCMAKE_BUILD_TYPE=RelWithDebInfo -DOVO_BUILD_BENCHMARKS=ON && runTests linux
+}
+
+suite_docs() {
+    local dir=$builds/docs
+    cmake -S "$root" -B "$dir" -G Ninja -DOVO_BUILD_TESTS=OFF -DOVO_BUILD_TOOLS=OFF >"$dir.configure.log" 2>&1 ||
+        { cat "$dir.configure.log"; return 1; }
+    if cmake --build "$dir" --target docs; then
+        echo "API reference: $dir/docs/html/index.html"
+        passed=$((passed + 1))
+    else
+        failed=$((failed + 1))
+        return 1
+    fi
 }
 
 suite_asan() {

@@ -1,6 +1,25 @@
-// Everything the library exports.
+/// @file
+/// Everything the library exports.
 #ifndef OVO_OVOSYSTEM_H
 #define OVO_OVOSYSTEM_H
+
+/// @namespace ovo
+/// System support for applications and services that talk to devices: text and number
+/// helpers, the name-value collection, platform services, and the areas below.
+///
+/// @namespace ovo::logger
+/// Named loggers in a process-wide registry, the channels that deliver their text and the
+/// formatters that shape it.
+///
+/// @namespace ovo::io
+/// Smart cards over PC/SC, serial ports, and the enumeration of both.
+///
+/// @namespace ovo::ipc
+/// Objects that processes of one login session share under a name: mutex, event, shared
+/// memory and a message channel.
+///
+/// @namespace ovo::win32
+/// The registry, security attributes, and the Win32 types that public signatures name.
 
 #include <ovo/environment.h>
 #include <ovo/ipc/message_channel.h>
@@ -24,6 +43,7 @@
 #include <ovo/number_parser.h>
 #include <ovo/nv_collection.h>
 #include <ovo/strings.h>
+#include <ovo/version.h>
 #include <ovo/win32/security_attributes.h>
 
 #endif

@@ -1,4 +1,5 @@
-// A bounded queue of byte messages that processes share by name.
+/// @file
+/// A bounded queue of byte messages that processes share by name.
 #ifndef OVO_IPC_MESSAGE_CHANNEL_H
 #define OVO_IPC_MESSAGE_CHANNEL_H
 
@@ -12,28 +13,40 @@ class MessageChannelImpl;
 namespace ovo {
 namespace ipc {
 
-// The block "<name>_data" of `size` bytes holds a table of up to 256 messages (the first
-// 4113 bytes) and their bodies; the mutex "<name>_lock" guards it. Nothing waits for a
-// message: receivers poll. The layout is shared by every process on the channel:
-//   offset 0 count; 16 + 16 * i entry i (id, size, offset from the block's start);
-//   4113 the bodies, oldest first, back to back.
+/// A bounded queue of byte messages that processes share by name.
+///
+/// The block "<name>_data" of `size` bytes holds a table of up to 256 messages (the first
+/// 4113 bytes) and their bodies; the mutex "<name>_lock" guards it. Nothing waits for a
+/// message: receivers poll. The layout is shared by every process on the channel:
+///   offset 0 count; 16 + 16 * i entry i (id, size, offset from the block's start);
+///   4113 the bodies, oldest first, back to back.
+///
+/// Any thread of any process may call any operation at the same time.
 class OVO_API MessageChannel {
 public:
-    // The smallest block that holds the table.
+    /// The smallest block that holds the table.
     static constexpr unsigned int minimumSize = 4113;
 
-    // Throws std::runtime_error for a size below minimumSize, and what SharedMemory and
-    // SystemMutex throw.
+    /// Creates the channel of that name (empty) or joins it.
+    /// @throws std::runtime_error for a size below minimumSize ("MessageChannel( 'NAME' ): a
+    ///         size of SIZE bytes cannot hold the table; the minimum is 4113"), and what
+    ///         SharedMemory and SystemMutex throw.
     MessageChannel(const std::string& name, unsigned int size);
+    /// Leaves the channel; it ends with the last process that holds it.
     ~MessageChannel();
 
-    // False when the table is full or the body does not fit the room left; nothing changes.
+    /// Appends a message of size bytes at data, with id, behind the others.
+    /// @return false when the table is full or the body does not fit the room left;
+    ///         nothing changes then.
     bool send(unsigned int id, void* data, unsigned int size);
-    // The oldest message with this id (0: any message) when its body has exactly `size`
-    // bytes; false, with nothing changed, when there is none or its size differs.
+    /// Takes the oldest message with this id (0: any message) when its body has exactly
+    /// `size` bytes, into data.
+    /// @return false, with nothing changed, when there is none or its size differs.
     bool recv(unsigned int id, void* data, unsigned int size);
-    // The oldest message with this id (0: any message), whatever its size.
+    /// Takes the oldest message with this id (0: any message), whatever its size, into data.
+    /// @return false, with nothing changed, when there is none.
     bool recv(unsigned int id, std::vector<unsigned char>& data);
+    /// The number of messages in the queue.
     unsigned int inQueue() const;
 
 private:
