@@ -2,6 +2,8 @@
 // serial devices and processes that talk through message channels.
 #include "tool.h"
 
+#include <ovo/version.h>
+
 #include <iostream>
 
 namespace {
@@ -28,7 +30,8 @@ int usage(std::ostream& out)
     for (const Subcommand& subcommand : subcommands)
         out << "  " << subcommand.name << std::string(10 - std::string(subcommand.name).size(), ' ')
             << subcommand.summary << '\n';
-    out << "\nEvery subcommand takes --help, --log-level=N (the log on standard error: 0 what\n"
+    out << "\novo --version tells the tool's version and that of the library it runs with.\n"
+           "Every subcommand takes --help, --log-level=N (the log on standard error: 0 what\n"
            "happens, 1 the traffic too) and --log-dir=DIR (a daily log file there). Exit status:\n"
            "0 done, 1 failed, 2 a mistake in the words; a failure says why in one line.\n"
            "examples: ovo readers\n"
@@ -47,6 +50,12 @@ int runCommandLine(const std::vector<std::string>& words, const std::string& loc
 {
     if (words.empty() || words[0] == "--help" || words[0] == "-h" || words[0] == "help")
         return words.empty() ? (usage(std::cerr), 2) : usage(std::cout);
+    // The headers the tool was built with and the library that runs: they differ after a
+    // mixed install.
+    if (words[0] == "--version") {
+        std::cout << "ovo " << OVO_VERSION_STRING << ", library " << ovo::libraryVersion() << '\n';
+        return 0;
+    }
     for (const Subcommand& subcommand : subcommands) {
         if (words[0] != subcommand.name)
             continue;
