@@ -3,7 +3,7 @@
 #include <ovo/ipc/shared_memory.h>
 
 #include <algorithm>
-#include <stdexcept>
+#include <memory>
 
 namespace {
 
@@ -13,75 +13,53 @@ using ovo_test::readFile;
 using ovo_test::waitForFile;
 
 unsigned char* bytes(const SharedMemory& memory) { return static_cast<unsigned char*>(memory.begin()); }
+long length(const SharedMemory& memory) { return static_cast<char*>(memory.end()) - static_cast<char*>(memory.begin()); }
 
 class SharedMemoryTest : public ovo_test::IpcTest {};
 
-TEST_F(SharedMemoryTest, TheFirstObjectCreatesAndTheSecondJoinsTheSameBytes)
+TEST_F(SharedMemoryTest, TheFirstObjectCreatesAndOthersJoinTheSameBytesWithTheirOwnEnd)
 {
     SharedMemory first(name("block"), 10000);
-    SharedMemory second(name("block"), 10000);
+    SharedMemory second(name("block"), 100);
     EXPECT_TRUE(first.isCreated());
     EXPECT_FALSE(second.isCreated());
-    EXPECT_EQ(static_cast<char*>(first.end()) - static_cast<char*>(first.begin()), 10000);
+    EXPECT_EQ(length(first), 10000);
+    EXPECT_EQ(length(second), 100);
     EXPECT_TRUE(std::all_of(bytes(first), bytes(first) + 10000, [](unsigned char b) { return b == 0; }));
-    bytes(first)[9999] = 0xA5;
+    bytes(first)[99] = 0xA5;
     bytes(second)[0] = 0x5A;
-    EXPECT_EQ(bytes(second)[9999], 0xA5);
+    EXPECT_EQ(bytes(second)[99], 0xA5);
     EXPECT_EQ(bytes(first)[0], 0x5A);
+    EXPECT_EQ(ovo_test::thrownBy([&] { SharedMemory larger(name("block"), 20000); }),
+              "::MapViewOfFile( size = 20000 ) failed: 5");
 }
 
-TEST_F(SharedMemoryTest, EachObjectsEndComesFromItsOwnSize)
+// Whichever process makes the block, the other joins it, and writes are seen both ways.
+TEST_F(SharedMemoryTest, AnotherProcessJoinsOrCreates)
 {
-    SharedMemory first(name("ends"), 8000);
-    SharedMemory smaller(name("ends"), 100);
-    EXPECT_EQ(static_cast<char*>(smaller.end()) - static_cast<char*>(smaller.begin()), 100);
-    try {
-        SharedMemory larger(name("ends"), 20000);
-        ADD_FAILURE() << "a view beyond the block";
-    } catch (const std::runtime_error& error) {
-        EXPECT_EQ(std::string(error.what()), "::MapViewOfFile( size = 20000 ) failed: 5");
+    for (const bool ours : {true, false}) {
+        const std::string tag = ours ? "ours" : "theirs";
+        std::unique_ptr<SharedMemory> memory(ours ? new SharedMemory(name(tag), 4096) : nullptr);
+        ChildProcess peer("ipc_peer", {"memory", name(tag), "4096", "11", "171", file(tag), file(tag + "-exit")});
+        ASSERT_TRUE(waitForFile(file(tag)));
+        EXPECT_EQ(readFile(file(tag)), ours ? "joined" : "created");
+        if (!ours)
+            memory.reset(new SharedMemory(name(tag), 4096));
+        EXPECT_EQ(memory->isCreated(), ours);
+        EXPECT_EQ(bytes(*memory)[11], 171);
+        bytes(*memory)[10] = 0x42;
+        release(tag + "-exit");
+        EXPECT_EQ(peer.wait(), 0);
+        EXPECT_EQ(bytes(*memory)[10], 0x42); // the peer's leaving ends nothing
     }
 }
 
-TEST_F(SharedMemoryTest, AnotherProcessJoinsAndWritesAreSeenBothWays)
+TEST_F(SharedMemoryTest, AfterTheLastHolderLeftOrWasKilledABlockIsNewAndEmpty)
 {
-    SharedMemory memory(name("shared"), 4096);
-    bytes(memory)[10] = 0x42;
-    ChildProcess peer("ipc_peer", {"memory", name("shared"), "4096", "11", "171", file("ready"), file("release")});
-    ASSERT_TRUE(waitForFile(file("ready")));
-    EXPECT_EQ(readFile(file("ready")), "joined");
-    EXPECT_EQ(bytes(memory)[11], 171);
-    std::ofstream(file("release")).put('x');
-    EXPECT_EQ(peer.wait(), 0);
-    EXPECT_EQ(bytes(memory)[10], 0x42); // the peer's leaving ends nothing
-}
-
-TEST_F(SharedMemoryTest, ABlockMadeByAnotherProcessIsJoined)
-{
-    ChildProcess peer("ipc_peer", {"memory", name("theirs"), "4096", "0", "7", file("ready"), file("release")});
-    ASSERT_TRUE(waitForFile(file("ready")));
-    EXPECT_EQ(readFile(file("ready")), "created");
-    {
-        SharedMemory memory(name("theirs"), 4096);
-        EXPECT_FALSE(memory.isCreated());
-        EXPECT_EQ(bytes(memory)[0], 7);
-    }
-    std::ofstream(file("release")).put('x');
-    EXPECT_EQ(peer.wait(), 0);
-}
-
-TEST_F(SharedMemoryTest, AfterTheLastHolderABlockIsNewAndEmpty)
-{
-    {
-        SharedMemory memory(name("again"), 64);
-        bytes(memory)[0] = 1;
-    }
-    {
-        SharedMemory memory(name("again"), 64);
-        EXPECT_TRUE(memory.isCreated());
-        EXPECT_EQ(bytes(memory)[0], 0);
-    }
-    // The same when every holder was killed.
+    bytes(SharedMemory(name("again"), 64))[0] = 1;
+    SharedMemory again(name("again"), 64);
+    EXPECT_TRUE(again.isCreated());
+    EXPECT_EQ(bytes(again)[0], 0);
     for (int holders : {1, 2}) {
         std::vector<std::unique_ptr<ChildProcess>> peers;
         for (int i = 0; i < holders; ++i) {
