@@ -5,7 +5,6 @@
 
 #include <ovo/ipc/message_channel.h>
 #include <ovo/ipc/shared_memory.h>
-#include <ovo/ipc/system_event.h>
 #include <ovo/ipc/system_mutex.h>
 #include <ovo/number_parser.h>
 
@@ -53,15 +52,6 @@ int run(const Args& a)
         if (!mutex.tryLock(ovo::NumberParser::parseInt32(a.at(2))))
             return 1;
         mutex.unlock();
-        return 0;
-    }
-    if (command == "event") { // NAME: 0 when the event could be made, else 3 and the text
-        try {
-            ovo::ipc::SystemEvent event(a.at(1));
-        } catch (const std::exception& error) {
-            std::cout << error.what();
-            return 3;
-        }
         return 0;
     }
     if (command == "memory") { // NAME SIZE OFFSET BYTE READY RELEASE: READY says created/joined

@@ -1,14 +1,18 @@
 #include "ipc/ipc_test.h"
+#include "ipc/stress_message.h"
 
 #include <ovo/ipc/message_channel.h>
 #include <ovo/ipc/shared_memory.h>
 
 #include <cstring>
+#include <map>
+#include <thread>
 
 namespace {
 
 using ovo::ipc::MessageChannel;
-using ovo::ipc::SharedMemory;
+using ovo_test::ChildProcess;
+using ovo_test::waitForFile;
 using Bytes = std::vector<unsigned char>;
 using Entry = std::vector<std::uint32_t>; // id, size, offset
 
@@ -32,48 +36,36 @@ public:
     std::uint32_t word(std::size_t offset) const
     {
         std::uint32_t value;
-        std::memcpy(&value, static_cast<const char*>(memory_.begin()) + offset, 4);
+        std::memcpy(&value, text(offset, 4).data(), 4);
         return value;
     }
     Entry entry(unsigned i) const { return {word(16 + 16 * i), word(20 + 16 * i), word(24 + 16 * i)}; }
-    std::string body(std::size_t offset, std::size_t size) const
+    std::string text(std::size_t offset, std::size_t size) const
     {
         return std::string(static_cast<const char*>(memory_.begin()) + offset, size);
     }
 
 private:
-    SharedMemory memory_;
+    ovo::ipc::SharedMemory memory_;
 };
 
 class MessageChannelTest : public ovo_test::IpcTest {};
 
+// Receivers take the oldest message of their identifier (0: of any); the gap closes.
 TEST_F(MessageChannelTest, TheBlockIsLaidOutByteForByte)
 {
     MessageChannel channel(name("layout"), channelSize);
     BlockView block(name("layout"));
-    EXPECT_EQ(channel.inQueue(), 0u);
     EXPECT_EQ(received(channel, 0), "(none)");
-    ASSERT_TRUE(send(channel, 7, "abc"));
-    ASSERT_TRUE(send(channel, 9, "de"));
-    EXPECT_EQ(block.word(0), 2u);
-    EXPECT_EQ(block.entry(0), (Entry{7, 3, 4113}));
-    EXPECT_EQ(block.entry(1), (Entry{9, 2, 4116}));
-    EXPECT_EQ(block.body(4113, 5), "abcde");
-    EXPECT_EQ(received(channel, 7), "abc");
-    EXPECT_EQ(block.word(0), 1u);
-    EXPECT_EQ(block.entry(0), (Entry{9, 2, 4113}));
-    EXPECT_EQ(block.body(4113, 2), "de");
-}
-
-TEST_F(MessageChannelTest, ReceiversTakeTheOldestOfTheirIdentifier)
-{
-    MessageChannel channel(name("select"), channelSize);
-    BlockView block(name("select"));
     for (const auto& message : {std::make_pair(1u, "one-a"), std::make_pair(2u, "two"), std::make_pair(1u, "one-b")})
         ASSERT_TRUE(send(channel, message.first, message.second));
+    EXPECT_EQ(block.word(0), 3u);
+    EXPECT_EQ(block.entry(1), (Entry{2, 3, 4118}));
+    EXPECT_EQ(block.text(4113, 13), "one-atwoone-b");
     EXPECT_EQ(received(channel, 2), "two");
+    EXPECT_EQ(block.word(0), 2u);
     EXPECT_EQ(block.entry(1), (Entry{1, 5, 4118}));
-    EXPECT_EQ(block.body(4113, 10), "one-aone-b");
+    EXPECT_EQ(block.text(4113, 10), "one-aone-b");
     ASSERT_TRUE(send(channel, 3, "three"));
     EXPECT_EQ(block.entry(2), (Entry{3, 5, 4123})); // right behind the others
     EXPECT_EQ(received(channel, 5), "(none)");      // nothing of 5; 0 is no identifier of a message
@@ -85,18 +77,15 @@ TEST_F(MessageChannelTest, ReceiversTakeTheOldestOfTheirIdentifier)
 TEST_F(MessageChannelTest, TheBufferFormTakesOnlyTheSizeAskedForAndAnEmptyBodyIsAMessage)
 {
     MessageChannel channel(name("size"), channelSize);
-    BlockView block(name("size"));
     ASSERT_TRUE(send(channel, 6, "four"));
     ASSERT_TRUE(channel.send(6, nullptr, 0));
     ASSERT_TRUE(send(channel, 6, "xyz"));
-    EXPECT_EQ(block.entry(1), (Entry{6, 0, 4117}));
-    char buffer[4] = {'u', 'n', 't', '.'};
+    char buffer[4] = {};
     EXPECT_FALSE(channel.recv(6, buffer, 3)); // the oldest has 4 bytes; the younger waits
     EXPECT_EQ(channel.inQueue(), 3u);
     ASSERT_TRUE(channel.recv(6, buffer, 4));
-    EXPECT_EQ(std::string(buffer, 4), "four");
     ASSERT_TRUE(channel.recv(6, buffer, 0));
-    EXPECT_EQ(std::string(buffer, 4), "four"); // untouched
+    EXPECT_EQ(std::string(buffer, 4), "four"); // untouched by the empty one
     ASSERT_TRUE(channel.send(6, nullptr, 0));
     EXPECT_EQ(received(channel, 6), "xyz");
     EXPECT_EQ(received(channel, 6), "");
@@ -110,7 +99,6 @@ TEST_F(MessageChannelTest, SendRefusesWhatDoesNotFitAndChangesNothing)
     for (unsigned i = 0; i < 256; ++i)
         ASSERT_TRUE(send(channel, 1, "x")) << i;
     EXPECT_FALSE(send(channel, 1, "x"));
-    EXPECT_EQ(channel.inQueue(), 256u);
     EXPECT_EQ(received(channel, 0), "x");
     EXPECT_TRUE(send(channel, 1, "y"));
 
@@ -120,27 +108,79 @@ TEST_F(MessageChannelTest, SendRefusesWhatDoesNotFitAndChangesNothing)
     EXPECT_EQ(small.inQueue(), 1u);
     EXPECT_TRUE(send(small, 3, "1234"));
     EXPECT_TRUE(small.send(4, nullptr, 0)); // an empty body still fits a full area
-}
-
-TEST_F(MessageChannelTest, ABlockSmallerThanTheTableIsRefused)
-{
     for (unsigned int size : {0u, 4112u})
         EXPECT_EQ(ovo_test::thrownBy([&] { MessageChannel channel(name("small"), size); }),
                   "MessageChannel( '" + name("small") + "' ): a size of " + std::to_string(size) +
                       " bytes cannot hold the table; the minimum is 4113");
-    MessageChannel smallest(name("small"), 4113);
-    EXPECT_TRUE(smallest.send(1, nullptr, 0));
 }
 
-TEST_F(MessageChannelTest, AChannelLastsWhileAnyObjectHoldsIt)
+// A channel lasts while any process holds it: a joiner finds the queue as it is (also
+// after a holder of the lock was killed); after the last holder left or was killed, the
+// next one starts empty.
+TEST_F(MessageChannelTest, AChannelLastsWhileAnyProcessHoldsIt)
 {
+    ChildProcess sender("ipc_peer", {"channel-send", name("queued"), std::to_string(channelSize), "3", file("sent"), file("exit")});
+    ASSERT_TRUE(waitForFile(file("sent")));
     {
-        MessageChannel first(name("life"), channelSize);
-        ASSERT_TRUE(send(first, 1, "kept"));
-        MessageChannel second(name("life"), channelSize);
-        EXPECT_EQ(second.inQueue(), 1u); // a joiner clears nothing
+        MessageChannel channel(name("queued"), channelSize);
+        ChildProcess holder("ipc_peer", {"hold-mutex", name("queued") + "_lock", file("held"), "-"});
+        ASSERT_TRUE(waitForFile(file("held")));
+        holder.kill();
+        EXPECT_EQ(channel.inQueue(), 3u);
+        EXPECT_EQ(received(channel, 2), "message 2");
+        EXPECT_EQ(received(channel, 0), "message 1");
     }
-    EXPECT_EQ(MessageChannel(name("life"), channelSize).inQueue(), 0u);
+    release("exit");
+    EXPECT_EQ(sender.wait(), 1); // one message left of three
+    EXPECT_EQ(MessageChannel(name("queued"), channelSize).inQueue(), 0u);
+    ChildProcess killed("ipc_peer", {"channel-send", name("killed"), std::to_string(channelSize), "5", file("five"), "-"});
+    ASSERT_TRUE(waitForFile(file("five")));
+    killed.kill();
+    EXPECT_EQ(MessageChannel(name("killed"), channelSize).inQueue(), 0u);
+}
+
+// A process that joined with a smaller size takes nothing while the queue reaches past its
+// block (the removal would move bytes it cannot see), and tears nothing for the others.
+TEST_F(MessageChannelTest, AProcessWithASmallerViewTakesAllOrNothing)
+{
+    MessageChannel channel(name("view"), 4113 + 1000);
+    ASSERT_TRUE(send(channel, 1, std::string(100, 'a')));
+    ASSERT_TRUE(send(channel, 2, std::string(800, 'b')));
+    const std::vector<std::string> takeOne{"channel-recv", name("view"), "4313", "1"};
+    EXPECT_EQ(ChildProcess("ipc_peer", takeOne).wait(), 1);
+    EXPECT_EQ(received(channel, 1), std::string(100, 'a'));
+    EXPECT_EQ(received(channel, 2), std::string(800, 'b'));
+    ASSERT_TRUE(send(channel, 1, std::string(200, 'c')));
+    EXPECT_EQ(ChildProcess("ipc_peer", takeOne).wait(), 0); // within its view
+}
+
+// Two sender processes, 100,000 messages; this process takes them, the oldest of any or
+// of one sender in turn (so also from the middle of the queue).
+TEST_F(MessageChannelTest, ProcessesExchangeEveryMessageOnceIntactAndInOrder)
+{
+    const unsigned perSender = 50000;
+    MessageChannel channel(name("stress"), ovo_test::stressChannelSize);
+    ChildProcess first("ipc_peer", {"stress-send", name("stress"), "1", std::to_string(perSender)});
+    ChildProcess second("ipc_peer", {"stress-send", name("stress"), "2", std::to_string(perSender)});
+    std::map<std::uint32_t, std::uint32_t> next{{1, 0}, {2, 0}}; // the sequence due of each sender
+    Bytes body;
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(90);
+    for (unsigned turn = 0; next[1] + next[2] < 2 * perSender && std::chrono::steady_clock::now() < end; ++turn) {
+        const unsigned id = turn % 3; // any, sender 1 or sender 2
+        if (!channel.recv(id, body)) {
+            std::this_thread::yield();
+            continue;
+        }
+        std::uint32_t header[2] = {};
+        std::memcpy(header, body.data(), std::min<std::size_t>(body.size(), sizeof header));
+        ASSERT_TRUE(next.count(header[0]) == 1 && (id == 0 || id == header[0])) << turn;
+        ASSERT_EQ(header[1], next[header[0]]) << "sender " << header[0];
+        ASSERT_EQ(body, ovo_test::stressBody(header[0], header[1])) << "torn: " << header[0] << ", " << header[1];
+        ++next[header[0]];
+    }
+    EXPECT_EQ(first.wait(), 0);
+    EXPECT_EQ(second.wait(), 0);
+    EXPECT_EQ(next[1] + next[2], 2 * perSender);
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 #include "ipc/ipc_test.h"
 
 #include <ovo/ipc/shared_memory.h>
+#include <ovo/ipc/system_event.h>
+#include <ovo/ipc/system_mutex.h>
 
 #include <algorithm>
 #include <memory>
@@ -8,8 +10,9 @@
 namespace {
 
 using ovo::ipc::SharedMemory;
+using ovo::ipc::SystemMutex;
 using ovo_test::ChildProcess;
-using ovo_test::readFile;
+using ovo_test::thrownBy;
 using ovo_test::waitForFile;
 
 unsigned char* bytes(const SharedMemory& memory) { return static_cast<unsigned char*>(memory.begin()); }
@@ -30,8 +33,7 @@ TEST_F(SharedMemoryTest, TheFirstObjectCreatesAndOthersJoinTheSameBytesWithTheir
     bytes(second)[0] = 0x5A;
     EXPECT_EQ(bytes(second)[99], 0xA5);
     EXPECT_EQ(bytes(first)[0], 0x5A);
-    EXPECT_EQ(ovo_test::thrownBy([&] { SharedMemory larger(name("block"), 20000); }),
-              "::MapViewOfFile( size = 20000 ) failed: 5");
+    EXPECT_EQ(thrownBy([&] { SharedMemory larger(name("block"), 20000); }), "::MapViewOfFile( size = 20000 ) failed: 5");
 }
 
 // Whichever process makes the block, the other joins it, and writes are seen both ways.
@@ -42,7 +44,7 @@ TEST_F(SharedMemoryTest, AnotherProcessJoinsOrCreates)
         std::unique_ptr<SharedMemory> memory(ours ? new SharedMemory(name(tag), 4096) : nullptr);
         ChildProcess peer("ipc_peer", {"memory", name(tag), "4096", "11", "171", file(tag), file(tag + "-exit")});
         ASSERT_TRUE(waitForFile(file(tag)));
-        EXPECT_EQ(readFile(file(tag)), ours ? "joined" : "created");
+        EXPECT_EQ(ovo_test::readFile(file(tag)), ours ? "joined" : "created");
         if (!ours)
             memory.reset(new SharedMemory(name(tag), 4096));
         EXPECT_EQ(memory->isCreated(), ours);
@@ -57,9 +59,7 @@ TEST_F(SharedMemoryTest, AnotherProcessJoinsOrCreates)
 TEST_F(SharedMemoryTest, AfterTheLastHolderLeftOrWasKilledABlockIsNewAndEmpty)
 {
     bytes(SharedMemory(name("again"), 64))[0] = 1;
-    SharedMemory again(name("again"), 64);
-    EXPECT_TRUE(again.isCreated());
-    EXPECT_EQ(bytes(again)[0], 0);
+    EXPECT_EQ(bytes(SharedMemory(name("again"), 64))[0], 0);
     for (int holders : {1, 2}) {
         std::vector<std::unique_ptr<ChildProcess>> peers;
         for (int i = 0; i < holders; ++i) {
@@ -72,6 +72,49 @@ TEST_F(SharedMemoryTest, AfterTheLastHolderLeftOrWasKilledABlockIsNewAndEmpty)
         SharedMemory memory(name("killed"), 64);
         EXPECT_TRUE(memory.isCreated());
         EXPECT_EQ(bytes(memory)[3], 0);
+    }
+}
+
+// Names reach the platform as they are, after "Local\": what Windows accepts works, and
+// nothing lands outside the layer's own place.
+TEST_F(SharedMemoryTest, SlashesAndDotsInANameAreOrdinaryCharacters)
+{
+    for (const std::string tail : {"a/b", "..", "../../../tmp/escape", "/", ".%2F", "sp ace", "\xC3\xA9t\xC3\xA9"}) {
+        SharedMemory memory(name(tail), 64);
+        EXPECT_FALSE(SharedMemory(name(tail), 64).isCreated()) << tail;
+        SystemMutex mutex(name(tail) + "_lock");
+#if !defined(_WIN32)
+        EXPECT_FALSE(std::filesystem::exists("/tmp/escape"));
+        EXPECT_EQ(leftovers().size(), 2u) << tail; // the block and the mutex, each one file
+#endif
+    }
+    SharedMemory memory(name("nul") + std::string("\0tail", 5), 64); // the name ends at a NUL
+    EXPECT_FALSE(SharedMemory(name("nul"), 64).isCreated());
+}
+
+// What Windows refuses fails with its code; mutexes, events and blocks share one namespace.
+TEST_F(SharedMemoryTest, NamesThatWindowsRefusesFailWithItsCode)
+{
+    SystemMutex taken(name("kind"));
+    const struct {
+        std::string name;
+        unsigned long code;
+    } cases[] = {
+        {name("a\\b"), 3},                    // a further backslash: ERROR_PATH_NOT_FOUND
+        {name(std::string(10000, 'x')), 206}, // ERROR_FILENAME_EXCED_RANGE
+        {"", 123},                            // ERROR_INVALID_NAME
+        {name("kind"), 6},                    // a mutex's name: ERROR_INVALID_HANDLE
+    };
+    for (const auto& refused : cases) {
+        const std::string platformName = "Local\\" + refused.name, code = std::to_string(refused.code);
+        const std::string codes = "openError = " + code + ", createError = " + code;
+        EXPECT_EQ(thrownBy([&] { SharedMemory memory(refused.name, 64); }),
+                  "::OpenFileMapping( '" + platformName + "' ) failed. " + codes);
+        if (refused.code == 6)
+            continue;
+        EXPECT_EQ(thrownBy([&] { SystemMutex mutex(refused.name); }), "::OpenMutex( '" + platformName + "' ) failed. " + codes);
+        EXPECT_EQ(thrownBy([&] { ovo::ipc::SystemEvent event(refused.name); }),
+                  "::CreateEvent( '" + refused.name + "' ) failed: " + code);
     }
 }
 
