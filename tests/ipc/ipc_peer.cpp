@@ -19,15 +19,12 @@ namespace {
 
 using Args = std::vector<std::string>;
 
-void signal(const std::string& file, const std::string& text)
+// Leaves `text` in READY (whole, or not there) and waits for RELEASE.
+void standBy(const std::string& ready, const std::string& text, const std::string& release)
 {
-    std::ofstream(file + ".part") << text;
-    std::filesystem::rename(file + ".part", file); // whole, or not there
-}
-
-void waitFor(const std::string& file)
-{
-    while (file == "-" || !std::filesystem::exists(file))
+    std::ofstream(ready + ".part") << text;
+    std::filesystem::rename(ready + ".part", ready);
+    while (release == "-" || !std::filesystem::exists(release))
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
 }
 
@@ -41,8 +38,7 @@ int run(const Args& a)
         mutex->lock();
         if (command == "drop-held-mutex")
             mutex.reset(); // without unlocking
-        signal(a.at(2), "held");
-        waitFor(a.at(3));
+        standBy(a.at(2), "held", a.at(3));
         if (mutex)
             mutex->unlock();
         return 0;
@@ -57,8 +53,7 @@ int run(const Args& a)
     if (command == "memory") { // NAME SIZE OFFSET BYTE READY RELEASE: READY says created/joined
         ovo::ipc::SharedMemory memory(a.at(1), number(a.at(2)));
         static_cast<unsigned char*>(memory.begin())[number(a.at(3))] = static_cast<unsigned char>(number(a.at(4)));
-        signal(a.at(5), memory.isCreated() ? "created" : "joined");
-        waitFor(a.at(6));
+        standBy(a.at(5), memory.isCreated() ? "created" : "joined", a.at(6));
         return 0;
     }
     if (command == "channel-send") { // NAME SIZE COUNT [READY RELEASE]: ids 1..COUNT, body "message N";
@@ -67,10 +62,8 @@ int run(const Args& a)
             std::string body = "message " + std::to_string(id);
             channel.send(id, &body[0], static_cast<unsigned int>(body.size()));
         }
-        if (a.size() > 4) {
-            signal(a.at(4), "sent");
-            waitFor(a.at(5));
-        }
+        if (a.size() > 4)
+            standBy(a.at(4), "sent", a.at(5));
         return channel.inQueue() == number(a.at(3)) ? 0 : 1;
     }
     if (command == "channel-recv") { // NAME SIZE ID: 0 when a message was taken

@@ -1,6 +1,5 @@
-// What the inter-process tests share: names of their own, a directory for the files that
-// pass signs between processes, the text of an exception, and the check that nothing of
-// their names is left.
+// What the inter-process tests share: names of their own, files that pass signs between
+// processes, the text of an exception, and the check that nothing of their names is left.
 #ifndef OVO_TESTS_IPC_IPC_TEST_H
 #define OVO_TESTS_IPC_IPC_TEST_H
 

@@ -3,10 +3,10 @@
 #include "ipc/ipc_test.h"
 
 #include <ovo/ipc/message_channel.h>
-#include <ovo/ipc/named_objects.h>
 #include <ovo/ipc/shared_memory.h>
 #include <ovo/ipc/system_mutex.h>
 
+#include <sstream>
 #include <sys/stat.h>
 
 namespace {
@@ -20,15 +20,6 @@ int peerAsNobody(std::vector<std::string> args)
     return runProgram("setpriv", args);
 }
 
-// "live shared memory 64", or "none" when the name is not listed.
-std::string listed(const std::string& name)
-{
-    for (const ovo::ipc::ListedObject& object : ovo::ipc::namedObjects())
-        if (object.name == name)
-            return (object.live ? "live " : "stale ") + object.kind + " " + std::to_string(object.size);
-    return "none";
-}
-
 class UserScopeTest : public ovo_test::IpcTest {
 protected:
     void killHolderOf(const std::string& block)
@@ -37,9 +28,15 @@ protected:
         ASSERT_TRUE(ovo_test::waitForFile(file(block)));
         peer.kill();
     }
-    std::string tool(const std::vector<std::string>& args)
+    int tool(const std::vector<std::string>& args) { return runProgram(ovo_test::siblingProgram("ovo"), args, file("out")); }
+    // The line of `ovo objects` about the object, or "none".
+    std::string listed(const std::string& tag)
     {
-        return runProgram(ovo_test::siblingProgram("ovo"), args, file("out")) == 0 ? ovo_test::readFile(file("out")) : "failed";
+        std::istringstream lines(tool({"objects"}) == 0 ? ovo_test::readFile(file("out")) : "");
+        for (std::string line; std::getline(lines, line);)
+            if (line.find(" " + name(tag)) != std::string::npos)
+                return line;
+        return "none";
     }
 };
 
@@ -74,16 +71,16 @@ TEST_F(UserScopeTest, ObjectsOfKilledHoldersAreListedAndSweptAway)
 {
     ovo::ipc::SharedMemory live(name("live"), 100);
     killHolderOf("stale");
-    EXPECT_EQ(listed(name("live")), "live shared memory 100");
-    EXPECT_EQ(listed(name("stale")), "stale shared memory 64");
-    EXPECT_NE(tool({"objects"}).find("stale shared memory " + name("stale") + "  64 bytes\n"), std::string::npos);
-    EXPECT_EQ(tool({"objects", "clean"}).compare(0, 8, "removed "), 0);
-    EXPECT_EQ(listed(name("stale")), "none");
+    EXPECT_EQ(listed("live"), "live  shared memory " + name("live") + "  100 bytes");
+    EXPECT_EQ(listed("stale"), "stale shared memory " + name("stale") + "  64 bytes");
+    EXPECT_EQ(tool({"objects", "clean"}), 0);
+    EXPECT_EQ(ovo_test::readFile(file("out")).compare(0, 8, "removed "), 0);
+    EXPECT_EQ(listed("stale"), "none");
     killHolderOf("swept");
     SystemMutex fresh(name("fresh")); // a create sweeps
-    EXPECT_EQ(listed(name("swept")), "none");
-    EXPECT_EQ(listed(name("live")), "live shared memory 100");
-    EXPECT_EQ(tool({"objects", "stale"}), "failed");
+    EXPECT_EQ(listed("swept"), "none");
+    EXPECT_EQ(listed("fresh"), "live  mutex         " + name("fresh"));
+    EXPECT_EQ(tool({"objects", "stale"}), 2);
 }
 
 } // namespace
