@@ -43,18 +43,31 @@ static_assert(sizeof(Header) <= stateOffset, "the state follows the header");
 const off_t guardByte = 0;
 const off_t livenessByte = 1;
 
-bool lockByte(int fd, off_t byte, short type, bool wait)
+struct flock byteLock(off_t byte, short type)
 {
     struct flock lock = {};
     lock.l_type = type;
     lock.l_whence = SEEK_SET;
     lock.l_start = byte;
     lock.l_len = 1;
+    return lock;
+}
+
+bool lockByte(int fd, off_t byte, short type, bool wait)
+{
+    struct flock lock = byteLock(byte, type);
     int result;
     do
         result = fcntl(fd, wait ? F_OFD_SETLKW : F_OFD_SETLK, &lock);
     while (result != 0 && errno == EINTR);
     return result == 0;
+}
+
+// Whether no handle holds a lock on the byte (without taking one).
+bool byteFree(int fd, off_t byte)
+{
+    struct flock lock = byteLock(byte, F_WRLCK);
+    return fcntl(fd, F_OFD_GETLK, &lock) == 0 && lock.l_type == F_UNLCK;
 }
 
 std::uint64_t fnv1a(const std::string& text, std::uint64_t seed)
@@ -156,21 +169,31 @@ ProcessObjects& processObjects()
     return *objects;
 }
 
+// Opens a file of the namespace that may be taken for an object; -1 with the last error
+// set otherwise.
+int openTrusted(const std::string& path, int flags, unsigned mode, struct stat& opened)
+{
+    const int fd = sys::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | flags, mode);
+    if (fd < 0) {
+        setLastErrorFromErrno(errno);
+        return -1;
+    }
+    if (fstat(fd, &opened) != 0 || !trusted(opened, path)) {
+        close(fd);
+        SetLastError(ERROR_ACCESS_DENIED);
+        return -1;
+    }
+    return fd;
+}
+
 // Opens the file that the name stands for now, with the guard byte held; a file that its
 // last holder removed meanwhile is passed over. -1 with the last error set on failure.
 int openGuarded(const std::string& path, bool create, unsigned mode, struct stat& opened)
 {
     for (;;) {
-        const int fd = sys::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | (create ? O_CREAT : 0), mode);
-        if (fd < 0) {
-            setLastErrorFromErrno(errno);
+        const int fd = openTrusted(path, create ? O_CREAT : 0, mode, opened);
+        if (fd < 0)
             return -1;
-        }
-        if (fstat(fd, &opened) != 0 || !trusted(opened, path)) {
-            close(fd);
-            SetLastError(ERROR_ACCESS_DENIED);
-            return -1;
-        }
         if (!lockByte(fd, guardByte, F_WRLCK, true)) {
             setLastErrorFromErrno(errno);
             close(fd);
@@ -225,27 +248,6 @@ void* startedFresh(int fd, const std::string& path, ObjectKind kind, const Objec
     return header;
 }
 
-// An existing file of the namespace that may be taken for an object, or -1.
-int openExisting(const std::string& path, struct stat& opened)
-{
-    const int fd = ::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
-    if (fd >= 0 && (fstat(fd, &opened) != 0 || !trusted(opened, path))) {
-        close(fd);
-        return -1;
-    }
-    return fd;
-}
-
-bool byteFree(int fd, off_t byte)
-{
-    struct flock lock = {};
-    lock.l_type = F_WRLCK;
-    lock.l_whence = SEEK_SET;
-    lock.l_start = byte;
-    lock.l_len = 1;
-    return fcntl(fd, F_OFD_GETLK, &lock) == 0 && lock.l_type == F_UNLCK;
-}
-
 // The paths of this user's object files.
 std::vector<std::string> userObjectPaths()
 {
@@ -282,7 +284,7 @@ std::vector<ObjectFile> userObjects()
     std::vector<ObjectFile> objects;
     for (const std::string& path : userObjectPaths()) {
         struct stat opened;
-        const int fd = openExisting(path, opened);
+        const int fd = openTrusted(path, 0, 0, opened);
         if (fd < 0)
             continue;
         Header header = {};
@@ -301,7 +303,7 @@ unsigned removeStaleObjects(unsigned limit)
     const std::vector<std::string> paths = userObjectPaths();
     for (std::size_t i = 0; i < paths.size() && i < limit; ++i) {
         struct stat opened, named;
-        const int fd = openExisting(paths[i], opened);
+        const int fd = openTrusted(paths[i], 0, 0, opened);
         if (fd < 0)
             continue;
         // Under the guard, with no handle holding the liveness byte, nobody can join it.
