@@ -110,7 +110,7 @@ TEST_F(MessageChannelTest, SendRefusesWhatDoesNotFitAndChangesNothing)
 // empty.
 TEST_F(MessageChannelTest, AChannelLastsWhileAnyProcessHoldsIt)
 {
-    ChildProcess sender("ipc_peer", {"channel-send", name("queued"), std::to_string(channelSize), "3", file("sent"), file("exit")});
+    ChildProcess sender("ipc_peer", {"channel-send", name("queued"), "65536", "3", file("sent"), file("exit")});
     ASSERT_TRUE(waitForFile(file("sent")));
     {
         MessageChannel channel(name("queued"), channelSize);
@@ -141,11 +141,11 @@ TEST_F(MessageChannelTest, AProcessWithASmallerViewTakesAllOrNothing)
     EXPECT_EQ(ChildProcess("ipc_peer", takeOne).wait(), 0); // within its view
 }
 
-// Two sender processes, 40,000 messages; this process takes them, the oldest of any or
+// Two sender processes, 10,000 messages; this process takes them, the oldest of any or
 // of one sender in turn (so also from the middle of the queue).
 TEST_F(MessageChannelTest, ProcessesExchangeEveryMessageOnceIntactAndInOrder)
 {
-    const unsigned perSender = 20000;
+    const unsigned perSender = 5000;
     MessageChannel channel(name("stress"), ovo_test::stressChannelSize);
     ChildProcess first("ipc_peer", {"stress-send", name("stress"), "1", std::to_string(perSender)});
     ChildProcess second("ipc_peer", {"stress-send", name("stress"), "2", std::to_string(perSender)});

@@ -11,12 +11,10 @@ namespace {
 
 using ovo::ipc::SharedMemory;
 using ovo::ipc::SystemMutex;
-using ovo_test::ChildProcess;
 using ovo_test::thrownBy;
-using ovo_test::waitForFile;
 
 unsigned char* bytes(const SharedMemory& memory) { return static_cast<unsigned char*>(memory.begin()); }
-long length(const SharedMemory& memory) { return static_cast<char*>(memory.end()) - static_cast<char*>(memory.begin()); }
+long length(const SharedMemory& block) { return static_cast<char*>(block.end()) - static_cast<char*>(block.begin()); }
 
 class SharedMemoryTest : public ovo_test::IpcTest {};
 
@@ -33,17 +31,17 @@ TEST_F(SharedMemoryTest, TheFirstObjectCreatesAndOthersJoinTheSameBytesWithTheir
     bytes(second)[0] = 0x5A;
     EXPECT_EQ(bytes(second)[99], 0xA5);
     EXPECT_EQ(bytes(first)[0], 0x5A);
-    EXPECT_EQ(thrownBy([&] { SharedMemory larger(name("block"), 20000); }), "::MapViewOfFile( size = 20000 ) failed: 5");
+    EXPECT_EQ(thrownBy([&] { SharedMemory big(name("block"), 20000); }), "::MapViewOfFile( size = 20000 ) failed: 5");
 }
 
 TEST_F(SharedMemoryTest, AfterTheLastHolderLeftOrWasKilledABlockIsNewAndEmpty)
 {
     bytes(SharedMemory(name("again"), 64))[0] = 1;
     EXPECT_EQ(bytes(SharedMemory(name("again"), 64))[0], 0);
-    ChildProcess creator("ipc_peer", {"memory", name("killed"), "64", "3", "9", file("created"), "-"});
-    ASSERT_TRUE(waitForFile(file("created")));
-    ChildProcess joiner("ipc_peer", {"memory", name("killed"), "64", "4", "9", file("joined"), "-"});
-    ASSERT_TRUE(waitForFile(file("joined")));
+    ovo_test::ChildProcess creator("ipc_peer", {"memory", name("killed"), "64", "3", "9", file("created"), "-"});
+    ASSERT_TRUE(ovo_test::waitForFile(file("created")));
+    ovo_test::ChildProcess joiner("ipc_peer", {"memory", name("killed"), "64", "4", "9", file("joined"), "-"});
+    ASSERT_TRUE(ovo_test::waitForFile(file("joined")));
     EXPECT_EQ(ovo_test::readFile(file("joined")), "joined");
     creator.kill();
     joiner.kill();
@@ -81,13 +79,13 @@ TEST_F(SharedMemoryTest, NamesThatWindowsRefusesFailWithItsCode)
         {name("kind"), 6},                    // a mutex's name: ERROR_INVALID_HANDLE
     };
     for (const auto& refused : cases) {
-        const std::string platformName = "Local\\" + refused.name, code = std::to_string(refused.code);
+        const std::string local = "Local\\" + refused.name, code = std::to_string(refused.code);
         const std::string codes = "openError = " + code + ", createError = " + code;
         EXPECT_EQ(thrownBy([&] { SharedMemory memory(refused.name, 64); }),
-                  "::OpenFileMapping( '" + platformName + "' ) failed. " + codes);
+                  "::OpenFileMapping( '" + local + "' ) failed. " + codes);
         if (refused.code == 6)
             continue;
-        EXPECT_EQ(thrownBy([&] { SystemMutex mutex(refused.name); }), "::OpenMutex( '" + platformName + "' ) failed. " + codes);
+        EXPECT_EQ(thrownBy([&] { SystemMutex m(refused.name); }), "::OpenMutex( '" + local + "' ) failed. " + codes);
         EXPECT_EQ(thrownBy([&] { ovo::ipc::SystemEvent event(refused.name); }),
                   "::CreateEvent( '" + refused.name + "' ) failed: " + code);
     }

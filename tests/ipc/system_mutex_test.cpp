@@ -11,7 +11,6 @@
 namespace {
 
 using Clock = std::chrono::steady_clock;
-using ovo::ipc::SystemEvent;
 using ovo::ipc::SystemMutex;
 using ovo_test::ChildProcess;
 using ovo_test::waitForFile;
@@ -21,10 +20,7 @@ long msSince(Clock::time_point start)
     return static_cast<long>(std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count());
 }
 
-int tryInPeer(const std::string& mutexName, const char* milliseconds)
-{
-    return ChildProcess("ipc_peer", {"try-mutex", mutexName, milliseconds}).wait();
-}
+int tryInPeer(const std::string& n, const char* ms) { return ChildProcess("ipc_peer", {"try-mutex", n, ms}).wait(); }
 
 class SystemMutexTest : public ovo_test::IpcTest {};
 
@@ -96,7 +92,7 @@ TEST_F(SystemMutexTest, AMutexDroppedWhileHeldBlocksNobody)
 
 TEST_F(SystemMutexTest, AnEventLetsOneWaitThroughASetAndStaysSetForTheNext)
 {
-    SystemEvent event(name("event"));
+    ovo::ipc::SystemEvent event(name("event"));
     event.set();
     event.set(); // counts once
     event.wait();
@@ -112,7 +108,7 @@ TEST_F(SystemMutexTest, AnEventLetsOneWaitThroughASetAndStaysSetForTheNext)
     for (auto& waiter : waiters)
         waiter.join();
     // Its list grants others the right to wait only: a second create on the live name fails.
-    EXPECT_EQ(ovo_test::thrownBy([&] { SystemEvent second(name("event")); }),
+    EXPECT_EQ(ovo_test::thrownBy([&] { ovo::ipc::SystemEvent second(name("event")); }),
               "::CreateEvent( '" + name("event") + "' ) failed: 5");
 }
 

@@ -288,10 +288,11 @@ std::vector<ObjectFile> userObjects()
         if (fd < 0)
             continue;
         Header header = {};
-        const bool ours = pread(fd, &header, sizeof header, 0) == static_cast<ssize_t>(sizeof header) && header.magic == magic;
+        if (pread(fd, &header, sizeof header, 0) != static_cast<ssize_t>(sizeof header) || header.magic != magic)
+            header = Header{}; // not an object's file
         const std::string fileName = path.substr(std::strlen(directory) + userFilePrefix().size());
-        objects.push_back(ObjectFile{unescaped(fileName), ours ? header.kind : 0,
-                                     !byteFree(fd, guardByte) || !byteFree(fd, livenessByte), ours ? header.dataSize : 0});
+        const bool live = !byteFree(fd, guardByte) || !byteFree(fd, livenessByte);
+        objects.push_back(ObjectFile{unescaped(fileName), header.kind, live, header.dataSize});
         close(fd);
     }
     return objects;
