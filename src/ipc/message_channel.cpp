@@ -60,7 +60,8 @@ public:
     // The oldest message of the id (0: the oldest of all), or -1. Taking a message moves
     // every body behind it, so a process takes none while the queue reaches past its own
     // block (it joined with a smaller size than the creator's): all or nothing, never a
-    // torn body for the others. A body outside the queue (a peer's broken table) is never read.
+    // torn body for the others. A body outside the queue (a peer's broken table) is never
+    // read.
     int select(unsigned int id)
     {
         const std::uint32_t n = count();

@@ -130,7 +130,8 @@ TEST_F(PosixFaultsTest, FileTransfersReportTheCause)
 TEST_F(PosixFaultsTest, ANamedObjectThatCannotBeMadeLeavesNothing)
 {
     const std::string name = "Local\\ovofaults-" + std::to_string(getpid());
-    const std::string file = "/dev/shm/ovosystem.u" + std::to_string(geteuid()) + ".ovofaults-" + std::to_string(getpid());
+    const std::string file =
+        "/dev/shm/ovosystem.u" + std::to_string(geteuid()) + ".ovofaults-" + std::to_string(getpid());
     failCall("ftruncate", ENOSPC, 1, 1); // the second one sizes the block
     EXPECT_EQ(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 4096, name.c_str()), nullptr);
     EXPECT_EQ(GetLastError(), 112u);
