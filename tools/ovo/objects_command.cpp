@@ -15,7 +15,6 @@ const char objectsHelp[] =
     "Lists this user's named objects (mutexes, events, shared memory; a channel NAME is\n"
     "NAME_data and NAME_lock): live while some process holds them, stale when every holder\n"
     "was killed. clean removes the stale ones (creating an object removes a few as well).\n"
-    "On Windows the system ends every object with its last holder, and nothing is listed.\n"
     "examples: ovo objects\n"
     "          ovo objects clean\n";
 
