@@ -50,21 +50,18 @@ pid_t forkChild(Child child)
 
 // How a polling peer of a channel waits for room or a message, afresh for each: a short
 // pause off the lock, so that the other side gets it, for the first tries; then it gives
-// its processor up, as the peer may be waiting for one; at length it sleeps a little, so
-// that the peer can send or take a run of messages meanwhile.
+// its processor up at each try, as the peer may be waiting for one. (A sleep would cost
+// a wake-up for every message of a short queue.)
 class BackOff {
 public:
     void operator()()
     {
-        ++tries_;
-        if (tries_ < 16) {
-            for (int i = 0; i < 8; ++i)
-                __builtin_ia32_pause();
-        } else if (tries_ < 64) {
+        if (++tries_ >= 16) {
             sched_yield();
-        } else {
-            std::this_thread::sleep_for(std::chrono::microseconds(50));
+            return;
         }
+        for (int i = 0; i < 8; ++i)
+            __builtin_ia32_pause();
     }
 
 private:
