@@ -107,8 +107,8 @@ public:
         const pid_t owner = mutex_->__data.__owner;
         if (owner == threadId()) {
             state_->abandoned = 1;
-            while (pthread_mutex_unlock(mutex_) == 0) {
-            } // every level of a recursive hold
+            for (unsigned levels = mutex_->__data.__count; levels > 0; --levels) // of a recursive hold
+                pthread_mutex_unlock(mutex_);
         } else if (owner != 0 && access(("/proc/self/task/" + std::to_string(owner)).c_str(), F_OK) == 0) {
             keptMutexes().keep(object_->keepMappedAfterClose(), state_, owner);
         }
