@@ -69,8 +69,8 @@ int runAndCompare(int argc, char** argv, const std::vector<Comparison>& comparis
             continue;
         }
         const auto reference = collector.nanoseconds.find(c.reference);
-        if (reference == collector.nanoseconds.end())
-            continue;
+        if (reference == collector.nanoseconds.end() || reference->second <= 0)
+            continue; // filtered out, or skipped with an error
         const double ratio = ours->second / reference->second;
         const std::string against = c.ours + " / " + c.reference;
         if (c.limit > 0)

@@ -23,6 +23,7 @@
 
 #include <ovo/environment.h>
 #include <ovo/ipc/message_channel.h>
+#include <ovo/ipc/named_objects.h>
 #include <ovo/ipc/shared_memory.h>
 #include <ovo/ipc/system_event.h>
 #include <ovo/ipc/system_mutex.h>

@@ -57,15 +57,22 @@ public:
     // The bytes of the block in this process.
     std::uint64_t capacity() const { return static_cast<unsigned char*>(memory.end()) - block; }
 
-    // The oldest message of the id (0: the oldest of all); -1 when there is none. A body
-    // that would lie outside this process's block (a peer's broken table) is never read.
+    // The oldest message of the id (0: the oldest of all), or -1. Taking a message moves
+    // every body behind it, so a process takes none while the queue reaches past its own
+    // block (it joined with a smaller size than the creator's): all or nothing, never a
+    // torn body for the others. A body outside the queue (a peer's broken table) is never
+    // read.
     int select(unsigned int id)
     {
-        if (count() > maxMessages)
+        const std::uint32_t n = count();
+        if (n == 0 || n > maxMessages)
             return -1;
-        for (unsigned int i = 0; i < count(); ++i) {
+        const std::uint64_t end = std::uint64_t(table()[n - 1].offset) + table()[n - 1].size;
+        if (end > capacity())
+            return -1;
+        for (unsigned int i = 0; i < n; ++i) {
             if (id == 0 || table()[i].id == id)
-                return std::uint64_t(table()[i].offset) + table()[i].size <= capacity() ? static_cast<int>(i) : -1;
+                return std::uint64_t(table()[i].offset) + table()[i].size <= end ? static_cast<int>(i) : -1;
         }
         return -1;
     }
@@ -79,8 +86,7 @@ public:
         const std::uint32_t removed = entries[k].size;
         const std::uint64_t from = std::uint64_t(entries[k].offset) + removed;
         const std::uint64_t end = std::uint64_t(entries[n - 1].offset) + entries[n - 1].size;
-        if (end >= from && end <= capacity()) // else a peer broke the table: move no bytes
-            std::memmove(block + entries[k].offset, block + from, end - from);
+        std::memmove(block + entries[k].offset, block + from, end - from);
         // An entry is one 16-byte vector: moved down and its offset lowered in one step.
         using EntryWords = std::uint32_t __attribute__((vector_size(sizeof(Entry))));
         const EntryWords lower = {0, 0, removed, 0};

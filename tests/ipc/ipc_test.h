@@ -1,5 +1,5 @@
-// What the inter-process tests share: names of their own, a directory for the files that
-// pass signs between processes, and the check that nothing of their names is left.
+// What the inter-process tests share: names of their own, files that pass signs between
+// processes, the text of an exception, and the check that nothing of their names is left.
 #ifndef OVO_TESTS_IPC_IPC_TEST_H
 #define OVO_TESTS_IPC_IPC_TEST_H
 
@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,7 @@ protected:
     static std::string name(const std::string& tag) { return prefix() + tag; }
 
     std::string file(const std::string& name) const { return (dir_.path() / name).string(); }
+    void release(const std::string& name) const { std::ofstream(file(name)).put('x'); }
 
     // The files of this run's objects that the library's layer keeps (none on Windows).
     static std::vector<std::string> leftovers()
@@ -50,6 +52,18 @@ private:
 
     TempDir dir_;
 };
+
+// What `make` throws, or "" when it throws nothing.
+template <typename Make>
+std::string thrownBy(Make make)
+{
+    try {
+        make();
+    } catch (const std::exception& error) {
+        return error.what();
+    }
+    return std::string();
+}
 
 } // namespace ovo_test
 

@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <unistd.h>
 
 using ovo_fake::failCall;
 
@@ -67,4 +68,23 @@ TEST(PosixFaults, FailuresReportTheCauseAndChangeNothing)
     EXPECT_EQ(ovo_test::readFile(file), "hello");
     RegCloseKey(key);
     unsetenv("XDG_CONFIG_HOME");
+}
+
+TEST(PosixFaults, ANamedObjectThatCannotBeMadeLeavesNothing)
+{
+    const std::string tag = "ovofaults-" + std::to_string(getpid());
+    const std::string name = "Local\\" + tag;
+    const std::string file = "/dev/shm/ovosystem.u" + std::to_string(geteuid()) + "." + tag;
+    failCall("ftruncate", ENOSPC);
+    EXPECT_EQ(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 4096, name.c_str()), nullptr);
+    EXPECT_EQ(GetLastError(), 112u);
+    failCall("open", EMFILE);
+    EXPECT_EQ(CreateMutexA(nullptr, FALSE, name.c_str()), nullptr);
+    EXPECT_EQ(GetLastError(), 4u);
+    failCall();
+    EXPECT_FALSE(std::filesystem::exists(file));
+    HANDLE mapping = CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 4096, name.c_str());
+    ASSERT_NE(mapping, nullptr); // the name is free and works again
+    CloseHandle(mapping);
+    EXPECT_FALSE(std::filesystem::exists(file));
 }

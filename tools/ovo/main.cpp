@@ -19,6 +19,7 @@ const Subcommand subcommands[] = {
     {"apdu", ovo_tool::apduCommand, "send command units to a card and read the status words"},
     {"serial", ovo_tool::serialCommand, "send, receive or monitor bytes on a serial device"},
     {"channel", ovo_tool::channelCommand, "send, receive, watch or count messages of a channel"},
+    {"objects", ovo_tool::objectsCommand, "list this user's named objects, or clean the stale ones"},
     {"hexdump", ovo_tool::hexdumpCommand, "show a file or standard input as hex and text"},
     {"script", ovo_tool::scriptCommand, "run ovo command lines from a file or standard input"},
     {"demo", ovo_tool::demoCommand, "run a card command, a channel and a serial exchange for real"},

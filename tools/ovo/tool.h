@@ -19,6 +19,7 @@ int readersCommand(const std::vector<std::string>& args);
 int apduCommand(const std::vector<std::string>& args);
 int serialCommand(const std::vector<std::string>& args);
 int channelCommand(const std::vector<std::string>& args);
+int objectsCommand(const std::vector<std::string>& args);
 int hexdumpCommand(const std::vector<std::string>& args);
 int scriptCommand(const std::vector<std::string>& args);
 int demoCommand(const std::vector<std::string>& args);

@@ -17,7 +17,10 @@ namespace ipc {
 ///
 /// The block "<name>_data" of `size` bytes holds a table of up to 256 messages (the first
 /// 4113 bytes) and their bodies; the mutex "<name>_lock" guards it. Nothing waits for a
-/// message: receivers poll. The layout is shared by every process on the channel:
+/// message: receivers poll. A process that joined with a smaller size than the creator's
+/// sees only the start of the block: it receives nothing (false, the queue unchanged) while
+/// the queue reaches past its part, since taking a message moves every body behind it.
+/// The layout is shared by every process on the channel:
 ///   offset 0 count; 16 + 16 * i entry i (id, size, offset from the block's start);
 ///   4113 the bodies, oldest first, back to back.
 ///

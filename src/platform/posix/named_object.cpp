@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <dirent.h>
 #include <fcntl.h>
 #include <map>
 #include <mutex>
@@ -20,9 +21,11 @@ namespace {
 
 const char directory[] = "/dev/shm/";
 const char filePrefix[] = "ovosystem.";
+const unsigned ownerOnly = 0600;
 const std::size_t maxPath = 260;     // Windows' limit on an object name
 const std::size_t maxFileName = 255; // NAME_MAX of the usual file systems
 const std::uint32_t magic = 0x4F564F31; // "OVO1"
+const unsigned sweptPerCreate = 16;
 const std::size_t stateOffset = 64;
 
 struct Header {
@@ -40,18 +43,31 @@ static_assert(sizeof(Header) <= stateOffset, "the state follows the header");
 const off_t guardByte = 0;
 const off_t livenessByte = 1;
 
-bool lockByte(int fd, off_t byte, short type, bool wait)
+struct flock byteLock(off_t byte, short type)
 {
     struct flock lock = {};
     lock.l_type = type;
     lock.l_whence = SEEK_SET;
     lock.l_start = byte;
     lock.l_len = 1;
+    return lock;
+}
+
+bool lockByte(int fd, off_t byte, short type, bool wait)
+{
+    struct flock lock = byteLock(byte, type);
     int result;
     do
         result = fcntl(fd, wait ? F_OFD_SETLKW : F_OFD_SETLK, &lock);
     while (result != 0 && errno == EINTR);
     return result == 0;
+}
+
+// Whether no handle holds a lock on the byte (without taking one).
+bool byteFree(int fd, off_t byte)
+{
+    struct flock lock = byteLock(byte, F_WRLCK);
+    return fcntl(fd, F_OFD_GETLK, &lock) == 0 && lock.l_type == F_UNLCK;
 }
 
 std::uint64_t fnv1a(const std::string& text, std::uint64_t seed)
@@ -76,6 +92,25 @@ std::string encodedFileName(const std::string& scope, const std::string& name)
 }
 
 std::size_t pageSize() { return static_cast<std::size_t>(sysconf(_SC_PAGESIZE)); }
+
+// "Local\" names: a namespace of each user's own, whose files only that user may open.
+std::string userScope() { return "u" + std::to_string(geteuid()) + "."; }
+
+std::string userFilePrefix() { return filePrefix + userScope(); }
+
+bool inUserScope(const std::string& path)
+{
+    const std::string prefix = directory + userFilePrefix();
+    return path.compare(0, prefix.size(), prefix) == 0;
+}
+
+// Whether a file of the namespace may be taken for an object: a regular file (never a
+// FIFO or device that could block or redirect us) and, in a user's scope, that user's own:
+// in the world-writable directory anybody could have made a file of that name first.
+bool trusted(const struct stat& file, const std::string& path)
+{
+    return S_ISREG(file.st_mode) && (!inUserScope(path) || file.st_uid == geteuid());
+}
 
 std::shared_ptr<NamedObject> fail(int fd, DWORD error)
 {
@@ -134,16 +169,31 @@ ProcessObjects& processObjects()
     return *objects;
 }
 
+// Opens a file of the namespace that may be taken for an object; -1 with the last error
+// set otherwise.
+int openTrusted(const std::string& path, int flags, unsigned mode, struct stat& opened)
+{
+    const int fd = sys::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | flags, mode);
+    if (fd < 0) {
+        setLastErrorFromErrno(errno);
+        return -1;
+    }
+    if (fstat(fd, &opened) != 0 || !trusted(opened, path)) {
+        close(fd);
+        SetLastError(ERROR_ACCESS_DENIED);
+        return -1;
+    }
+    return fd;
+}
+
 // Opens the file that the name stands for now, with the guard byte held; a file that its
 // last holder removed meanwhile is passed over. -1 with the last error set on failure.
 int openGuarded(const std::string& path, bool create, unsigned mode, struct stat& opened)
 {
     for (;;) {
-        const int fd = sys::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | (create ? O_CREAT : 0), mode);
-        if (fd < 0) {
-            setLastErrorFromErrno(errno);
+        const int fd = openTrusted(path, create ? O_CREAT : 0, mode, opened);
+        if (fd < 0)
             return -1;
-        }
         if (!lockByte(fd, guardByte, F_WRLCK, true)) {
             setLastErrorFromErrno(errno);
             close(fd);
@@ -179,7 +229,7 @@ void* joined(int fd, const struct stat& opened, ObjectKind kind, DWORD desiredAc
 
 // A new object in the file (new, or left by holders that all died): zeroed, sized, its
 // header and state written before anybody else can see it.
-void* startedFresh(int fd, const std::string& path, ObjectKind kind, const ObjectAccess& access,
+void* startedFresh(int fd, const std::string& path, ObjectKind kind, const ObjectAccess& access, unsigned mode,
                    std::uint64_t dataSize, NamedObject::Initializer initialize)
 {
     void* header = MAP_FAILED;
@@ -190,7 +240,7 @@ void* startedFresh(int fd, const std::string& path, ObjectKind kind, const Objec
         unlink(path.c_str());
         return nullptr;
     }
-    fchmod(fd, access.fileMode()); // the mode asked for, whatever the umask
+    fchmod(fd, mode); // the mode asked for, whatever the umask
     *static_cast<Header*>(header) = Header{magic, static_cast<std::uint32_t>(kind), access.listed, access.everyone,
                                            access.administrators, 0, dataSize};
     if (initialize != nullptr)
@@ -198,7 +248,74 @@ void* startedFresh(int fd, const std::string& path, ObjectKind kind, const Objec
     return header;
 }
 
+// The paths of this user's object files.
+std::vector<std::string> userObjectPaths()
+{
+    std::vector<std::string> paths;
+    const std::string prefix = userFilePrefix();
+    if (DIR* dir = opendir(directory)) {
+        while (const dirent* entry = readdir(dir))
+            if (std::strncmp(entry->d_name, prefix.c_str(), prefix.size()) == 0)
+                paths.push_back(directory + std::string(entry->d_name));
+        closedir(dir);
+    }
+    return paths;
+}
+
+std::string unescaped(const std::string& text)
+{
+    std::string plain;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        unsigned byte;
+        if (text[i] == '%' && i + 2 < text.size() && std::sscanf(text.c_str() + i + 1, "%2X", &byte) == 1) {
+            plain += static_cast<char>(byte);
+            i += 2;
+        } else {
+            plain += text[i];
+        }
+    }
+    return plain;
+}
+
 } // namespace
+
+std::vector<ObjectFile> userObjects()
+{
+    std::vector<ObjectFile> objects;
+    for (const std::string& path : userObjectPaths()) {
+        struct stat opened;
+        const int fd = openTrusted(path, 0, 0, opened);
+        if (fd < 0)
+            continue;
+        Header header = {};
+        if (pread(fd, &header, sizeof header, 0) != static_cast<ssize_t>(sizeof header) || header.magic != magic)
+            header = Header{}; // not an object's file
+        const std::string fileName = path.substr(std::strlen(directory) + userFilePrefix().size());
+        const bool live = !byteFree(fd, guardByte) || !byteFree(fd, livenessByte);
+        objects.push_back(ObjectFile{unescaped(fileName), header.kind, live, header.dataSize});
+        close(fd);
+    }
+    return objects;
+}
+
+unsigned removeStaleObjects(unsigned limit)
+{
+    unsigned removed = 0;
+    const std::vector<std::string> paths = userObjectPaths();
+    for (std::size_t i = 0; i < paths.size() && i < limit; ++i) {
+        struct stat opened, named;
+        const int fd = openTrusted(paths[i], 0, 0, opened);
+        if (fd < 0)
+            continue;
+        // Under the guard, with no handle holding the liveness byte, nobody can join it.
+        if (lockByte(fd, guardByte, F_WRLCK, false) && lockByte(fd, livenessByte, F_WRLCK, false) &&
+            stat(paths[i].c_str(), &named) == 0 && named.st_ino == opened.st_ino && named.st_dev == opened.st_dev &&
+            unlink(paths[i].c_str()) == 0)
+            ++removed;
+        close(fd);
+    }
+    return removed;
+}
 
 std::string objectPath(const char* name, DWORD& error)
 {
@@ -212,7 +329,7 @@ std::string objectPath(const char* name, DWORD& error)
         error = ERROR_FILENAME_EXCED_RANGE;
         return std::string();
     }
-    std::string scope = "l.";
+    std::string scope = userScope();
     if (rest.compare(0, 6, "Local\\") == 0) {
         rest.erase(0, 6);
     } else if (rest.compare(0, 7, "Global\\") == 0) {
@@ -248,8 +365,11 @@ std::shared_ptr<NamedObject> NamedObject::acquire(ObjectKind kind, const char* n
     if (path.empty())
         return fail(-1, error);
     const ObjectAccess access = ObjectAccess::of(security);
+    // Within a user's scope the access list decides what that user's processes may do;
+    // no other user may open the file at all.
+    const unsigned mode = inUserScope(path) ? ownerOnly : access.fileMode();
     struct stat opened;
-    const int fd = openGuarded(path, create, access.fileMode(), opened);
+    const int fd = openGuarded(path, create, mode, opened);
     if (fd < 0)
         return nullptr;
     const ProcessObjects::Key key(opened.st_dev, opened.st_ino);
@@ -268,13 +388,15 @@ std::shared_ptr<NamedObject> NamedObject::acquire(ObjectKind kind, const char* n
         return fail(fd, ERROR_FILE_NOT_FOUND);
     }
     void* const header = existed ? joined(fd, opened, kind, desiredAccess)
-                                 : startedFresh(fd, path, kind, access, dataSize, initialize);
+                                 : startedFresh(fd, path, kind, access, mode, dataSize, initialize);
     if (header == nullptr)
         return fail(fd, GetLastError());
     lockByte(fd, livenessByte, F_RDLCK, false); // compatible with the other holders
     lockByte(fd, guardByte, F_UNLCK, false);
     std::shared_ptr<NamedObject> object(new NamedObject(fd, path, header));
     processObjects().add(key, object);
+    if (!existed)
+        removeStaleObjects(sweptPerCreate);
     SetLastError(existed ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
     return object;
 }
@@ -288,9 +410,18 @@ NamedObject::~NamedObject()
     struct stat own;
     if (fstat(fd_, &own) == 0)
         processObjects().forget(ProcessObjects::Key(own.st_dev, own.st_ino));
-    munmap(header_, pageSize());
+    if (!keepMapped_)
+        munmap(header_, pageSize());
     close(fd_);
 }
+
+void* NamedObject::keepMappedAfterClose()
+{
+    keepMapped_ = true;
+    return header_;
+}
+
+void NamedObject::unmapKept(void* header) { munmap(header, pageSize()); }
 
 void* NamedObject::state() const { return static_cast<char*>(header_) + stateOffset; }
 

@@ -1,7 +1,10 @@
-// Named kernel objects of the POSIX layer (mutex, event, file mapping). Names share one
-// namespace: "Local\NAME" (or "Global\NAME") is the file /dev/shm/ovosystem.NAME, with NAME
-// encoded so that no byte of it leaves that directory. A file holds one page of header
-// and the object's state, and a mapping's bytes after it.
+// Named kernel objects of the POSIX layer (mutex, event, file mapping). Mutexes, events
+// and mappings share one namespace per user: "Local\NAME" is the file
+// /dev/shm/ovosystem.u<UID>.NAME, mode 0600 and owned by that user ("Global\NAME" is
+// /dev/shm/ovosystem.g.NAME, for every user), with NAME encoded so that no byte of it
+// leaves that directory. A file that is not a regular file, or in a user's scope not that
+// user's own (made first by somebody else), is refused with ERROR_ACCESS_DENIED. A file
+// holds one page of header and the object's state, and a mapping's bytes after it.
 //
 // Liveness comes from the kernel, not from a count a crash could leave behind: every open
 // handle holds a shared lock on byte 1 of the file (an open-file-description lock, which
@@ -9,7 +12,8 @@
 // closing take byte 0 exclusively, so that they see each other whole. Whoever finds byte 1
 // free under that lock knows no handle is left: the closer removes the file, and an opener
 // that finds a file left by processes that died starts a fresh object in it. The handles
-// of one process on one object share one NamedObject: one descriptor, one mapping.
+// of one process on one object share one NamedObject: one descriptor, one mapping. Files
+// that every holder left by dying are inert; each fresh create sweeps a few of them away.
 #ifndef OVO_SRC_PLATFORM_POSIX_NAMED_OBJECT_H
 #define OVO_SRC_PLATFORM_POSIX_NAMED_OBJECT_H
 
@@ -19,6 +23,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace ovo {
 namespace posix {
@@ -29,6 +34,18 @@ enum class ObjectKind : std::uint32_t { mutex = 1, event = 2, mapping = 3 };
 // refuses as well: nothing after the prefix (ERROR_INVALID_NAME), a further backslash
 // (ERROR_PATH_NOT_FOUND), more than MAX_PATH characters (ERROR_FILENAME_EXCED_RANGE).
 std::string objectPath(const char* name, DWORD& error);
+
+// One file of this user's namespace.
+struct ObjectFile {
+    std::string name; // after "Local\" (a hashed long name as its file has it)
+    std::uint32_t kind; // an ObjectKind, 0 when the file is not an object's
+    bool live; // some handle holds it, or it is being opened or closed right now
+    std::uint64_t dataSize;
+};
+std::vector<ObjectFile> userObjects();
+// Removes files of this user's namespace that no handle holds, looking at no more than
+// `limit` files; gives how many went.
+unsigned removeStaleObjects(unsigned limit);
 
 class NamedObject {
 public:
@@ -53,6 +70,10 @@ public:
     std::uint64_t dataSize() const;
     // Where a mapping's bytes begin in the file.
     static std::uint64_t dataOffset();
+    // Leaves the header page mapped when the object closes, for unmapKept() later: a
+    // thread's list of robust mutexes may point into it. Gives the page.
+    void* keepMappedAfterClose();
+    static void unmapKept(void* header);
 
 private:
     NamedObject(int fd, std::string path, void* header) : fd_(fd), path_(std::move(path)), header_(header) {}
@@ -64,6 +85,7 @@ private:
     int fd_;
     std::string path_;
     void* header_;
+    bool keepMapped_ = false;
 };
 
 // A handle to a new Object (a KernelObject made of the named object and the handle's

@@ -40,25 +40,77 @@ private:
     DWORD access_;
 };
 
+// A mutex's state in its object: the pthread mutex, and whether the last close of a
+// process that owned it gave it up (its next owner is told WAIT_ABANDONED).
+struct MutexState {
+    pthread_mutex_t mutex;
+    std::uint32_t abandoned;
+};
+
+pid_t threadId() { return static_cast<pid_t>(syscall(SYS_gettid)); }
+
+// The pages of mutexes that a thread of this process still owns after the process closed
+// its last handle: the kernel writes into a mutex that is on a thread's robust list when
+// the thread ends, so the page stays mapped until its owner let go (or ended).
+class KeptMutexes {
+public:
+    void keep(void* page, MutexState* state, pid_t owner)
+    {
+        std::lock_guard<std::mutex> guard(lock_);
+        kept_.push_back(Kept{page, state, owner});
+    }
+
+    void unmapReleased()
+    {
+        std::lock_guard<std::mutex> guard(lock_);
+        for (auto kept = kept_.begin(); kept != kept_.end();) {
+            // The kernel marks the word of a mutex whose owner ended; the owner is gone then.
+            const int word = __atomic_load_n(&kept->state->mutex.__data.__lock, __ATOMIC_ACQUIRE);
+            if ((word & FUTEX_TID_MASK) == static_cast<unsigned>(kept->owner)) {
+                ++kept;
+                continue;
+            }
+            NamedObject::unmapKept(kept->page);
+            kept = kept_.erase(kept);
+        }
+    }
+
+private:
+    struct Kept {
+        void* page;
+        MutexState* state;
+        pid_t owner;
+    };
+    std::mutex lock_;
+    std::vector<Kept> kept_;
+};
+
 class MutexObject final : public WaitableObject {
 public:
     static const unsigned kinds = waitableKind | mutexKind;
 
     MutexObject(std::shared_ptr<NamedObject> object, DWORD access)
-        : WaitableObject(kinds, std::move(object), access), mutex_(static_cast<pthread_mutex_t*>(object_->state()))
+        : WaitableObject(kinds, std::move(object), access), state_(static_cast<MutexState*>(object_->state())),
+          mutex_(&state_->mutex)
     {
     }
 
-    // A thread keeps a mutex that it owns when the process closes its last handle, as on
-    // Windows: the object stays mapped (and alive) until the process ends, so that no
-    // thread's list of robust mutexes points at memory that is gone.
+    // The process's last handle of a mutex that a thread of it owns. As on Windows nobody
+    // could release it after this: the closing thread gives it up as abandoned; another
+    // thread keeps it until it is done, its page mapped till then. Either way the object
+    // closes, so that a name that nobody else holds gives the next creator a fresh mutex.
     ~MutexObject() override
     {
-        if (object_.use_count() == 1 && ownedInThisProcess()) {
-            static auto* keptLock = new std::mutex; // never destroyed, as what it guards
-            static auto* kept = new std::vector<std::shared_ptr<NamedObject>>;
-            std::lock_guard<std::mutex> guard(*keptLock);
-            kept->push_back(std::move(object_));
+        keptMutexes().unmapReleased();
+        if (object_.use_count() != 1)
+            return;
+        const pid_t owner = mutex_->__data.__owner;
+        if (owner == threadId()) {
+            state_->abandoned = 1;
+            for (unsigned levels = mutex_->__data.__count; levels > 0; --levels) // of a recursive hold
+                pthread_mutex_unlock(mutex_);
+        } else if (owner != 0 && access(("/proc/self/task/" + std::to_string(owner)).c_str(), F_OK) == 0) {
+            keptMutexes().keep(object_->keepMappedAfterClose(), state_, owner);
         }
     }
 
@@ -69,8 +121,9 @@ public:
         pthread_mutexattr_setpshared(&attributes, PTHREAD_PROCESS_SHARED);
         pthread_mutexattr_setrobust(&attributes, PTHREAD_MUTEX_ROBUST);
         pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE); // a Win32 mutex is
-        pthread_mutex_init(static_cast<pthread_mutex_t*>(state), &attributes);
+        pthread_mutex_init(&static_cast<MutexState*>(state)->mutex, &attributes);
         pthread_mutexattr_destroy(&attributes);
+        static_cast<MutexState*>(state)->abandoned = 0;
     }
 
     DWORD wait(DWORD milliseconds) override
@@ -82,7 +135,10 @@ public:
             result = lockBefore(milliseconds);
         switch (result) {
         case 0:
-            return WAIT_OBJECT_0;
+            if (state_->abandoned == 0)
+                return WAIT_OBJECT_0;
+            state_->abandoned = 0;
+            return WAIT_ABANDONED;
         case EOWNERDEAD:
             pthread_mutex_consistent(mutex_);
             return WAIT_ABANDONED;
@@ -125,12 +181,6 @@ public:
         return pthread_mutex_timedlock(mutex_, &deadline);
     }
 
-    bool ownedInThisProcess() const
-    {
-        const int owner = mutex_->__data.__owner;
-        return owner != 0 && access(("/proc/self/task/" + std::to_string(owner)).c_str(), F_OK) == 0;
-    }
-
     BOOL release()
     {
         const int result = pthread_mutex_unlock(mutex_);
@@ -141,6 +191,13 @@ public:
     }
 
 private:
+    static KeptMutexes& keptMutexes()
+    {
+        static auto* kept = new KeptMutexes; // never destroyed, as the pages it keeps
+        return *kept;
+    }
+
+    MutexState* state_;
     pthread_mutex_t* mutex_;
 };
 
