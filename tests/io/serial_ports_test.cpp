@@ -1,0 +1,147 @@
+// The serial port list: on Linux read from sysfs trees laid out as the kernel lays out an
+// FTDI adapter, a CDC-ACM modem, a 16550 UART and a reserved ttyS; on Windows (under
+// Wine too) the device installation API must answer.
+#include <ovo/io/serial_config.h>
+#include <ovo/io/serial_ports.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#if !defined(_WIN32)
+#  include "platform/serial_ports.h"
+#  include "support/temp_dir.h"
+
+#  include <filesystem>
+#  include <fstream>
+#endif
+
+namespace {
+
+using ovo::io::SerialPortInfo;
+
+TEST(SerialPorts, ThisMachineAnswersWithNamedPorts)
+{
+    for (const SerialPortInfo& port : ovo::io::listSerialPorts()) {
+#if defined(_WIN32)
+        EXPECT_EQ(port.deviceName.rfind("COM", 0), 0u) << port.deviceName;
+#else
+        EXPECT_TRUE(std::filesystem::exists("/dev/" + port.deviceName)) << port.deviceName;
+        EXPECT_NE(port.description, "");
+#endif
+    }
+}
+
+#if !defined(_WIN32)
+
+namespace fs = std::filesystem;
+
+const std::string usb = "sys/devices/pci0000:00/0000:00:14.0/usb1/";
+const std::string ftdi = usb + "1-2/1-2:1.0/ttyUSB0/";
+const std::string modem = usb + "1-3/1-3:1.0/";
+const std::string uart = "sys/devices/pnp0/00:00/00:00:0/00:00:0.0/";
+
+// A file and its text, or with "-> " a symbolic link and its target, as sysfs has them.
+const std::vector<std::pair<std::string, std::string>> machine = {
+    {usb + "1-2/idVendor", "0403"},
+    {usb + "1-2/idProduct", "6001"},
+    {usb + "1-2/serial", "A50285BI"},
+    {usb + "1-2/manufacturer", "FTDI"},
+    {usb + "1-2/product", "FT232R USB UART"},
+    {usb + "1-2/1-2:1.0/bInterfaceNumber", "00"},
+    {usb + "1-2/1-2:1.0/interface", "FT232R serial"},
+    {ftdi + "driver", "-> ../../../../../../../bus/usb-serial/drivers/ftdi_sio"},
+    {ftdi + "tty/ttyUSB0/device", "-> ../../../ttyUSB0"},
+    {"sys/class/tty/ttyUSB0", "-> ../../devices/pci0000:00/0000:00:14.0/usb1/1-2/1-2:1.0/ttyUSB0/tty/ttyUSB0"},
+    {"dev/serial/by-id/usb-FTDI_FT232R_USB_UART_A50285BI-if00-port0", "-> ../../ttyUSB0"},
+    {"dev/serial/by-path/pci-0000:00:14.0-usb-0:2:1.0-port0", "-> ../../ttyUSB0"},
+    // A modem without a serial number or an interface name.
+    {usb + "1-3/idVendor", "1546"},
+    {usb + "1-3/idProduct", "01a8"},
+    {usb + "1-3/manufacturer", "u-blox AG"},
+    {usb + "1-3/product", "u-blox GNSS receiver"},
+    {modem + "bInterfaceNumber", "00"},
+    {modem + "driver", "-> ../../../../../../bus/usb/drivers/cdc_acm"},
+    {modem + "tty/ttyACM0/device", "-> ../../../1-3:1.0"},
+    {"sys/class/tty/ttyACM0", "-> ../../devices/pci0000:00/0000:00:14.0/usb1/1-3/1-3:1.0/tty/ttyACM0"},
+    {"dev/serial/by-id/usb-u-blox_AG_u-blox_GNSS_receiver-if00", "-> ../../ttyACM0"},
+    {uart + "driver", "-> ../../../../../bus/serial-base/drivers/port"},
+    {uart + "tty/ttyS0/type", "4"},
+    {uart + "tty/ttyS0/device", "-> ../../../00:00:0.0"},
+    {"sys/class/tty/ttyS0", "-> ../../devices/pnp0/00:00/00:00:0/00:00:0.0/tty/ttyS0"},
+    // Reserved for a UART that is not there, and devices without hardware.
+    {"sys/devices/platform/serial8250/tty/ttyS1/type", "0"},
+    {"sys/devices/platform/serial8250/tty/ttyS1/device", "-> ../../../serial8250"},
+    {"sys/class/tty/ttyS1", "-> ../../devices/platform/serial8250/tty/ttyS1"},
+    {"sys/devices/virtual/tty/ptmx/dev", "5:2"},
+    {"sys/class/tty/ptmx", "-> ../../devices/virtual/tty/ptmx"},
+    {"sys/devices/virtual/tty/console/dev", "5:1"},
+    {"sys/class/tty/console", "-> ../../devices/virtual/tty/console"},
+};
+
+void build(const fs::path& root)
+{
+    for (const auto& [path, text] : machine) {
+        fs::create_directories((root / path).parent_path());
+        if (text.rfind("-> ", 0) == 0)
+            fs::create_directory_symlink(text.substr(3), root / path);
+        else
+            std::ofstream(root / path) << text << '\n';
+    }
+}
+
+TEST(SerialPorts, SysfsTreeGivesThePortsWithHardwareAndEveryKnownField)
+{
+    ovo_test::TempDir root;
+    build(root.path());
+    std::vector<SerialPortInfo> ports = ovo::platform::sysfsSerialPorts(root.string());
+    std::sort(ports.begin(), ports.end(),
+              [](const SerialPortInfo& a, const SerialPortInfo& b) { return a.deviceName < b.deviceName; });
+    const SerialPortInfo expected[] = {
+        {"ttyACM0", "u-blox GNSS receiver", "1546", "01a8", "", "u-blox AG", "u-blox GNSS receiver", "00", "",
+         {"/dev/serial/by-id/usb-u-blox_AG_u-blox_GNSS_receiver-if00"}},
+        {"ttyS0", "16550A UART", "", "", "", "", "", "", "", {}},
+        {"ttyUSB0", "FT232R USB UART", "0403", "6001", "A50285BI", "FTDI", "FT232R USB UART", "00", "FT232R serial",
+         {"/dev/serial/by-id/usb-FTDI_FT232R_USB_UART_A50285BI-if00-port0",
+          "/dev/serial/by-path/pci-0000:00:14.0-usb-0:2:1.0-port0"}},
+    };
+    ASSERT_EQ(ports.size(), std::size(expected));
+    for (std::size_t i = 0; i < ports.size(); ++i) {
+        const SerialPortInfo &got = ports[i], &want = expected[i];
+        SCOPED_TRACE(want.deviceName);
+        EXPECT_EQ(got.deviceName, want.deviceName);
+        EXPECT_EQ(got.description, want.description);
+        EXPECT_EQ(got.vendorId, want.vendorId);
+        EXPECT_EQ(got.productId, want.productId);
+        EXPECT_EQ(got.serialNumber, want.serialNumber);
+        EXPECT_EQ(got.manufacturer, want.manufacturer);
+        EXPECT_EQ(got.product, want.product);
+        EXPECT_EQ(got.interfaceNumber, want.interfaceNumber);
+        EXPECT_EQ(got.interfaceName, want.interfaceName);
+        EXPECT_EQ(got.stablePaths, want.stablePaths);
+    }
+    // A stable path goes into a serial configuration as it stands.
+    const std::string path = ports[2].stablePaths[0];
+    EXPECT_EQ(ovo::io::SerialConfig::fromString("device=" + path + ";baud=9600").deviceName(), path);
+}
+
+TEST(SerialPorts, DescriptionFallsBackToTheDriverAndNoTreeGivesNoPorts)
+{
+    ovo_test::TempDir root;
+    build(root.path());
+    fs::remove(root.path() / usb / "1-2/product");
+    fs::remove(root.path() / usb / "1-2/1-2:1.0/interface");
+    std::vector<SerialPortInfo> ports = ovo::platform::sysfsSerialPorts(root.string());
+    const auto adapter = std::find_if(ports.begin(), ports.end(),
+                                      [](const SerialPortInfo& port) { return port.deviceName == "ttyUSB0"; });
+    ASSERT_NE(adapter, ports.end());
+    EXPECT_EQ(adapter->description, "ftdi_sio");
+    EXPECT_EQ(adapter->product, "");
+    EXPECT_TRUE(ovo::platform::sysfsSerialPorts((root.path() / "nothing").string()).empty());
+}
+
+#endif
+
+} // namespace
