@@ -29,6 +29,8 @@ public:
 
     // --NAME=TEXT; `given` tells whether it came.
     void addText(const std::string& name, const std::string& description, std::string& value, bool* given = nullptr);
+    // --NAME alone: sets the flag.
+    void addFlag(const std::string& name, const std::string& description, bool& value);
     // --NAME=N, a decimal number.
     void addNumber(const std::string& name, const std::string& description, long& value);
 

@@ -15,6 +15,7 @@ struct Subcommand {
 const Subcommand subcommands[] = {
     {"readers", ovo_tool::readersCommand, "the PC/SC readers, their cards and ATRs"},
     {"apdu", ovo_tool::apduCommand, "send command units to a card and read the status words"},
+    {"ports", ovo_tool::portsCommand, "the serial ports, their USB identity and stable paths"},
     {"serial", ovo_tool::serialCommand, "send, receive or monitor bytes on a serial device"},
     {"channel", ovo_tool::channelCommand, "send, receive, watch or count messages of a channel"},
     {"hexdump", ovo_tool::hexdumpCommand, "show a file or standard input as hex and text"},
