@@ -13,21 +13,32 @@
 using ovo::io::CardEvent;
 using ovo::io::CardMonitor;
 using ovo_fake::pcscScript;
-using Events = std::vector<std::string>;
+using Texts = std::vector<std::string>;
 
 namespace {
 
-// Every event the monitor has now, as text.
-Events eventsNow(CardMonitor& monitor)
+// The events the monitor has now: "+card A 59.2.20.80" for a card inserted into A.
+Texts eventsNow(CardMonitor& monitor)
 {
-    static const char* const kinds[] = {"reader added", "reader removed", "card inserted", "card removed"};
-    Events events;
+    static const char* const kinds[] = {"+reader ", "-reader ", "+card ", "-card "};
+    Texts events;
     for (CardEvent event; monitor.next(event, 0);) {
-        events.push_back(std::string(kinds[event.kind]) + ": " + event.reader);
-        for (unsigned char byte : event.atr)
-            events.back() += " " + std::to_string(byte);
+        events.push_back(kinds[event.kind] + event.reader);
+        for (std::size_t i = 0; i < event.atr.size(); ++i)
+            events.back() += (i == 0 ? " " : ".") + std::to_string(event.atr[i]);
     }
     return events;
+}
+
+template <typename Call>
+std::string failureOf(Call call)
+{
+    try {
+        call();
+    } catch (const std::runtime_error& e) {
+        return e.what();
+    }
+    return "no exception";
 }
 
 TEST(ScriptedCardMonitor, EventsInTheOrderOfWhatChanged)
@@ -37,17 +48,14 @@ TEST(ScriptedCardMonitor, EventsInTheOrderOfWhatChanged)
     const struct {
         std::string readers;
         std::uint32_t state; // of every reader; the upper half counts insertions and removals
-        Events events;
+        Texts events;
     } steps[] = {
-        {std::string("Reader A 00 00\0Reader B 01 00\0", 31), 0x22,
-         {"reader added: Reader A 00 00", "reader added: Reader B 01 00", "card inserted: Reader A 00 00 59 2 20 80",
-          "card inserted: Reader B 01 00 59 2 20 80"}},
-        {std::string("Reader B 01 00\0", 16), 0x22, {"card removed: Reader A 00 00", "reader removed: Reader A 00 00"}},
-        {std::string("Reader B 01 00\0", 16), 0x12, {"card removed: Reader B 01 00"}},
-        {std::string("Reader B 01 00\0", 16), 0x10022, {"card inserted: Reader B 01 00 59 2 20 80"}},
-        {std::string("Reader B 01 00\0", 16), 0x30022,
-         {"card removed: Reader B 01 00", "card inserted: Reader B 01 00 59 2 20 80"}},
-        {std::string("\0", 1), 0x30022, {"card removed: Reader B 01 00", "reader removed: Reader B 01 00"}},
+        {std::string("A\0B\0", 4), 0x22, {"+reader A", "+reader B", "+card A 59.2.20.80", "+card B 59.2.20.80"}},
+        {std::string("B\0", 2), 0x22, {"-card A", "-reader A"}},
+        {std::string("B\0", 2), 0x12, {"-card B"}},
+        {std::string("B\0", 2), 0x10022, {"+card B 59.2.20.80"}},
+        {std::string("B\0", 2), 0x30022, {"-card B", "+card B 59.2.20.80"}}, // swapped
+        {std::string(), 0x30022, {"-card B", "-reader B"}},
     };
     for (const auto& step : steps) {
         pcscScript().readerList = step.readers + '\0';
@@ -55,38 +63,28 @@ TEST(ScriptedCardMonitor, EventsInTheOrderOfWhatChanged)
         EXPECT_EQ(eventsNow(monitor), step.events) << step.readers;
     }
     pcscScript().statusChangeResult = 0x8010000A; // a time-out is no event
-    EXPECT_EQ(eventsNow(monitor), Events{});
+    EXPECT_EQ(eventsNow(monitor), Texts{});
 }
 
 TEST(ScriptedCardMonitor, FailuresOfTheServiceAndStop)
 {
     ovo_fake::resetPcscScript();
     pcscScript().establishResult = 0x8010001D;
-    try {
-        CardMonitor monitor;
-        ADD_FAILURE() << "no exception";
-    } catch (const std::runtime_error& e) {
-        EXPECT_EQ(std::string(e.what()), "::SCardEstablishContext() failed: SCard error: 0x8010001D");
-    }
+    EXPECT_EQ(failureOf([] { CardMonitor monitor; }), "::SCardEstablishContext() failed: SCard error: 0x8010001D");
 
     ovo_fake::resetPcscScript();
     CardMonitor monitor;
     EXPECT_EQ(eventsNow(monitor).size(), 4u);
     pcscScript().statusChangeResult = 0x80100017; // the reader is unavailable
-    CardEvent event;
-    try {
-        monitor.next(event, 0);
-        ADD_FAILURE() << "no exception";
-    } catch (const std::runtime_error& e) {
-        EXPECT_EQ(std::string(e.what()), "::SCardGetStatusChange() failed: SCard error: 0x80100017");
-    }
+    EXPECT_EQ(failureOf([&] { eventsNow(monitor); }), "::SCardGetStatusChange() failed: SCard error: 0x80100017");
 
     monitor.stop();
     pcscScript().calls.clear();
     pcscScript().statusChangeResult = 0;
-    pcscScript().readerList = std::string("Reader C 02 00\0\0", 16);
+    pcscScript().readerList = std::string("C\0\0", 3);
+    CardEvent event;
     EXPECT_FALSE(monitor.next(event, 1000));
-    EXPECT_EQ(pcscScript().calls, Events{}); // not asked: a stopped monitor reports nothing
+    EXPECT_EQ(pcscScript().calls, Texts{}); // not asked: a stopped monitor reports nothing
 }
 
 } // namespace
