@@ -15,6 +15,7 @@
 
 #  include <filesystem>
 #  include <fstream>
+#  include <sstream>
 #endif
 
 namespace {
@@ -42,39 +43,32 @@ const std::string ftdi = usb + "1-2/1-2:1.0/ttyUSB0/";
 const std::string modem = usb + "1-3/1-3:1.0/";
 const std::string uart = "sys/devices/pnp0/00:00/00:00:0/00:00:0.0/";
 
-// A file and its text, or with "-> " a symbolic link and its target, as sysfs has them.
+// Attribute files of a directory ("name=text;..."), or with "-> " a symbolic link and its
+// target, as sysfs has them.
 const std::vector<std::pair<std::string, std::string>> machine = {
-    {usb + "1-2/idVendor", "0403"},
-    {usb + "1-2/idProduct", "6001"},
-    {usb + "1-2/serial", "A50285BI"},
-    {usb + "1-2/manufacturer", "FTDI"},
-    {usb + "1-2/product", "FT232R USB UART"},
-    {usb + "1-2/1-2:1.0/bInterfaceNumber", "00"},
-    {usb + "1-2/1-2:1.0/interface", "FT232R serial"},
+    {usb + "1-2", "idVendor=0403;idProduct=6001;serial=A50285BI;manufacturer=FTDI;product=FT232R USB UART"},
+    {usb + "1-2/1-2:1.0", "bInterfaceNumber=00;interface=FT232R serial"},
     {ftdi + "driver", "-> ../../../../../../../bus/usb-serial/drivers/ftdi_sio"},
     {ftdi + "tty/ttyUSB0/device", "-> ../../../ttyUSB0"},
     {"sys/class/tty/ttyUSB0", "-> ../../devices/pci0000:00/0000:00:14.0/usb1/1-2/1-2:1.0/ttyUSB0/tty/ttyUSB0"},
     {"dev/serial/by-id/usb-FTDI_FT232R_USB_UART_A50285BI-if00-port0", "-> ../../ttyUSB0"},
     {"dev/serial/by-path/pci-0000:00:14.0-usb-0:2:1.0-port0", "-> ../../ttyUSB0"},
     // A modem without a serial number or an interface name.
-    {usb + "1-3/idVendor", "1546"},
-    {usb + "1-3/idProduct", "01a8"},
-    {usb + "1-3/manufacturer", "u-blox AG"},
-    {usb + "1-3/product", "u-blox GNSS receiver"},
-    {modem + "bInterfaceNumber", "00"},
+    {usb + "1-3", "idVendor=1546;idProduct=01a8;manufacturer=u-blox AG;product=u-blox GNSS receiver"},
+    {modem, "bInterfaceNumber=00"},
     {modem + "driver", "-> ../../../../../../bus/usb/drivers/cdc_acm"},
     {modem + "tty/ttyACM0/device", "-> ../../../1-3:1.0"},
     {"sys/class/tty/ttyACM0", "-> ../../devices/pci0000:00/0000:00:14.0/usb1/1-3/1-3:1.0/tty/ttyACM0"},
     {"dev/serial/by-id/usb-u-blox_AG_u-blox_GNSS_receiver-if00", "-> ../../ttyACM0"},
     {uart + "driver", "-> ../../../../../bus/serial-base/drivers/port"},
-    {uart + "tty/ttyS0/type", "4"},
+    {uart + "tty/ttyS0", "type=4"},
     {uart + "tty/ttyS0/device", "-> ../../../00:00:0.0"},
     {"sys/class/tty/ttyS0", "-> ../../devices/pnp0/00:00/00:00:0/00:00:0.0/tty/ttyS0"},
-    // Reserved for a UART that is not there, and devices without hardware.
-    {"sys/devices/platform/serial8250/tty/ttyS1/type", "0"},
+    // Reserved for a UART that is not there, and a device without hardware.
+    {"sys/devices/platform/serial8250/tty/ttyS1", "type=0"},
     {"sys/devices/platform/serial8250/tty/ttyS1/device", "-> ../../../serial8250"},
     {"sys/class/tty/ttyS1", "-> ../../devices/platform/serial8250/tty/ttyS1"},
-    {"sys/devices/virtual/tty/ptmx/dev", "5:2"},
+    {"sys/devices/virtual/tty/ptmx", "dev=5:2"},
     {"sys/class/tty/ptmx", "-> ../../devices/virtual/tty/ptmx"},
 };
 
@@ -82,10 +76,14 @@ void build(const fs::path& root)
 {
     for (const auto& [path, text] : machine) {
         fs::create_directories((root / path).parent_path());
-        if (text.rfind("-> ", 0) == 0)
+        if (text.rfind("-> ", 0) == 0) {
             fs::create_directory_symlink(text.substr(3), root / path);
-        else
-            std::ofstream(root / path) << text << '\n';
+            continue;
+        }
+        fs::create_directories(root / path);
+        std::istringstream attributes(text);
+        for (std::string name, value; std::getline(attributes, name, '=') && std::getline(attributes, value, ';');)
+            std::ofstream(root / path / name) << value << '\n';
     }
 }
 

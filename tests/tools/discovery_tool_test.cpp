@@ -8,90 +8,22 @@
 
 #include <gtest/gtest.h>
 
-#include <cctype>
 #include <map>
 #include <regex>
 #include <sstream>
 
 namespace {
 
-// The values of a JSON text by their paths ("0.name", "0.stablePaths.1"): objects,
-// arrays, strings, true and false, as the tool writes them. Throws on anything else.
-class FlatJson {
-public:
-    explicit FlatJson(const std::string& text) : text_(text)
-    {
-        read("");
-        if (blank(), at_ != text_.size())
-            throw std::runtime_error("text after the JSON value");
-    }
-    std::map<std::string, std::string> values;
-
-private:
-    void read(const std::string& path)
-    {
-        const std::string prefix = path.empty() ? "" : path + ".";
-        int index = 0;
-        if (take('{')) {
-            if (take('}'))
-                return;
-            do {
-                const std::string key = string();
-                expect(':');
-                read(prefix + key);
-            } while (take(','));
-            expect('}');
-        } else if (take('[')) {
-            if (take(']'))
-                return;
-            do
-                read(prefix + std::to_string(index++));
-            while (take(','));
-            expect(']');
-        } else if (text_.compare(at_, 4, "true") == 0 || text_.compare(at_, 5, "false") == 0) {
-            values[path] = text_[at_] == 't' ? "true" : "false";
-            at_ += values[path].size();
-        } else {
-            values[path] = string();
-        }
-    }
-    std::string string()
-    {
-        expect('"');
-        std::string text;
-        for (char c; (c = text_.at(at_++)) != '"'; text += c) {
-            if (static_cast<unsigned char>(c) < 0x20)
-                throw std::runtime_error("a control character in a string");
-            if (c != '\\')
-                continue;
-            c = text_.at(at_++);
-            if (c == 'u') {
-                c = static_cast<char>(std::stoi(text_.substr(at_, 4), nullptr, 16));
-                at_ += 4;
-            } else if (c == 'n' || c == 'r' || c == 't') {
-                c = c == 'n' ? '\n' : c == 'r' ? '\r' : '\t';
-            }
-        }
-        return text;
-    }
-    void blank()
-    {
-        while (at_ < text_.size() && std::isspace(static_cast<unsigned char>(text_[at_])))
-            ++at_;
-    }
-    bool take(char c)
-    {
-        blank();
-        return at_ < text_.size() && text_[at_] == c && ++at_;
-    }
-    void expect(char c)
-    {
-        if (!take(c))
-            throw std::runtime_error(std::string("no '") + c + "' at " + std::to_string(at_));
-    }
-    std::string text_;
-    std::size_t at_ = 0;
-};
+// A minimal parse of the tool's flat JSON objects: the string and true/false values of
+// each key, in order ("card": {"true", "false"}), escapes left as they stand.
+std::map<std::string, std::vector<std::string>> jsonValues(const std::string& text)
+{
+    static const std::regex pair("\"(\\w+)\":(?:\"((?:[^\"\\\\]|\\\\.)*)\"|(true|false))");
+    std::map<std::string, std::vector<std::string>> values;
+    for (std::sregex_iterator match(text.begin(), text.end(), pair), end; match != end; ++match)
+        values[(*match)[1]].push_back((*match)[2].matched ? (*match)[2].str() : (*match)[3].str());
+    return values;
+}
 
 class DiscoveryTool : public testing::Test {
 protected:
@@ -118,22 +50,24 @@ protected:
 
 TEST_F(DiscoveryTool, PortsAsATableAndAsJsonShowWhatTheLibraryFinds)
 {
-    const std::vector<ovo::io::SerialPortInfo> ports = ovo::io::listSerialPorts();
-    std::map<std::string, std::string> json = FlatJson(ovo("ports --json")).values;
+    std::vector<std::string> names, descriptions;
+    for (const ovo::io::SerialPortInfo& port : ovo::io::listSerialPorts()) {
+        names.push_back(port.deviceName);
+        descriptions.push_back(port.description);
+    }
+    const std::string json = ovo("ports --json");
+    EXPECT_EQ(json.front(), '[');
+    EXPECT_EQ(json.substr(json.size() - 2), "]\n");
+    EXPECT_EQ(jsonValues(json)["name"], names);
+    EXPECT_EQ(jsonValues(json)["description"], descriptions);
     std::istringstream table(ovo("ports"));
     std::string line;
     std::getline(table, line);
     EXPECT_EQ(line.substr(0, 4), "NAME");
-    for (std::size_t i = 0; i < ports.size(); ++i) {
-        const std::string at = std::to_string(i) + ".";
-        EXPECT_EQ(json[at + "name"], ports[i].deviceName);
-        EXPECT_EQ(json[at + "description"], ports[i].description);
-        EXPECT_EQ(json[at + "vendorId"] + json[at + "serialNumber"], ports[i].vendorId + ports[i].serialNumber);
-        EXPECT_EQ(json.count(at + "stablePaths.0"), ports[i].stablePaths.size() > 0 ? 1u : 0u);
+    for (std::size_t i = 0; i < names.size(); ++i) {
         ASSERT_TRUE(std::getline(table, line));
-        EXPECT_EQ(line.substr(0, ports[i].deviceName.size() + 1), ports[i].deviceName + " ");
+        EXPECT_TRUE(std::regex_search(line, std::regex("^" + names[i] + " +" + descriptions[i] + "( |$)"))) << line;
     }
-    EXPECT_EQ(json.count(std::to_string(ports.size()) + ".name"), 0u);
     EXPECT_FALSE(std::getline(table, line));
 }
 
@@ -148,10 +82,9 @@ TEST_F(DiscoveryTool, ReadersWatchSeesTheCardComeAndGo)
     {
         ovo_test::VirtualCard card;
         EXPECT_TRUE(shows(path("watch"), " card inserted: " + reader + ", ATR " + atr + "\n"));
-        std::map<std::string, std::string> readers = FlatJson(ovo("readers --json")).values;
-        EXPECT_EQ(readers["0.reader"], reader);
-        EXPECT_EQ(readers["0.card"], "true");
-        EXPECT_EQ(readers["0.atr"], atr);
+        auto readers = jsonValues(ovo("readers --json"));
+        EXPECT_EQ(readers["reader"].at(0) + " " + readers["card"].at(0) + " " + readers["atr"].at(0),
+                  reader + " true " + atr);
     }
     EXPECT_TRUE(shows(path("watch"), " card removed: " + reader + "\n"));
     EXPECT_TRUE(shows(path("watch.json"), "\"card removed\""));
@@ -164,12 +97,12 @@ TEST_F(DiscoveryTool, ReadersWatchSeesTheCardComeAndGo)
     std::istringstream objects(ovo_test::readFile(path("watch.json")));
     std::vector<std::string> events;
     for (std::string line; std::getline(objects, line);) {
-        std::map<std::string, std::string> event = FlatJson(line).values;
-        EXPECT_EQ(event["time"].size(), 23u) << line;
-        if (event["reader"] == reader)
-            events.push_back(event["event"] + " " + event["atr"]);
+        auto event = jsonValues(line);
+        EXPECT_EQ(event["time"].at(0).size(), 23u) << line;
+        if (event["reader"].at(0) == reader)
+            events.push_back(event["event"].at(0) + (event.count("atr") ? " " + event["atr"].at(0) : ""));
     }
-    EXPECT_EQ(events, (std::vector<std::string>{"reader added ", "card inserted " + atr, "card removed "}));
+    EXPECT_EQ(events, (std::vector<std::string>{"reader added", "card inserted " + atr, "card removed"}));
 }
 
 } // namespace
