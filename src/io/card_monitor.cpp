@@ -99,7 +99,8 @@ public:
         states.back().currentState = static_cast<std::uint32_t>(readers.size()) << 16; // the readers it knows
 
         waiting = true; // before the look at `stopping`, so that stop() cancels this wait
-        const scard::Result code = stopping ? scard::cancelled : scard::SCardGetStatusChangeA(context, timeoutMs, states);
+        const scard::Result code =
+            stopping ? scard::cancelled : scard::SCardGetStatusChangeA(context, timeoutMs, states);
         waiting = false;
         if (code == scard::cancelled || code == scard::timedOut)
             return;

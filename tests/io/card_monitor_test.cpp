@@ -32,7 +32,8 @@ TEST(CardMonitorService, ReaderAtTheStartCardInsertedAndRemovedStopFromAnotherTh
     ASSERT_TRUE(monitor.next(event, 20000));
     EXPECT_EQ(event.kind, CardEvent::cardInserted);
     EXPECT_EQ(event.reader, ovo_test::readerName);
-    EXPECT_EQ(event.atr, (std::vector<unsigned char>{0x3B, 0x95, 0x13, 0x81, 0x01, 0x80, 0x73, 0xFF, 0x01, 0x00, 0x0B}));
+    EXPECT_EQ(event.atr,
+              (std::vector<unsigned char>{0x3B, 0x95, 0x13, 0x81, 0x01, 0x80, 0x73, 0xFF, 0x01, 0x00, 0x0B}));
 
     // Each a wait of next() that another thread ends: the card going, then stop().
     for (const bool stopping : {false, true}) {

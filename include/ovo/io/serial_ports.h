@@ -13,9 +13,9 @@ namespace io {
 
 // One port. Every field but the name is empty where the system does not tell it.
 struct SerialPortInfo {
-    std::string deviceName;   // as SerialConfig::setDeviceName takes it: ttyUSB0, COM3
-    std::string description;  // the product's name, or what kind of port it is
-    std::string vendorId;     // USB ids, four hex digits each: "0403"
+    std::string deviceName;  // as SerialConfig::setDeviceName takes it: ttyUSB0, COM3
+    std::string description; // the product's name, or what kind of port it is
+    std::string vendorId;    // USB ids, four hex digits each: "0403"
     std::string productId;
     std::string serialNumber; // the USB device's serial number
     std::string manufacturer;
