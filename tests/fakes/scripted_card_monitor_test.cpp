@@ -59,6 +59,7 @@ TEST(ScriptedCardMonitor, EventsInTheOrderOfWhatChanged)
     };
     for (const auto& step : steps) {
         pcscScript().readerList = step.readers + '\0';
+        pcscScript().listResult = step.readers.empty() ? 0x8010002E : 0; // as the service says "no readers"
         pcscScript().eventState = step.state;
         EXPECT_EQ(eventsNow(monitor), step.events) << step.readers;
     }

@@ -61,12 +61,13 @@ TEST_F(DiscoveryTool, PortsAsATableAndAsJsonShowWhatTheLibraryFinds)
     EXPECT_EQ(jsonValues(json)["name"], names);
     EXPECT_EQ(jsonValues(json)["description"], descriptions);
     std::istringstream table(ovo("ports"));
-    std::string line;
-    std::getline(table, line);
-    EXPECT_EQ(line.substr(0, 4), "NAME");
+    std::string header, line;
+    std::getline(table, header);
+    EXPECT_EQ(header.substr(0, 4), "NAME");
     for (std::size_t i = 0; i < names.size(); ++i) {
         ASSERT_TRUE(std::getline(table, line));
-        EXPECT_TRUE(std::regex_search(line, std::regex("^" + names[i] + " +" + descriptions[i] + "( |$)"))) << line;
+        EXPECT_EQ(line.rfind(names[i] + " ", 0), 0u) << line;
+        EXPECT_EQ(line.find(descriptions[i], names[i].size()), header.find("DESCRIPTION")) << line; // in its column
     }
     EXPECT_FALSE(std::getline(table, line));
 }
