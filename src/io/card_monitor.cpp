@@ -17,8 +17,6 @@ namespace io {
 
 namespace {
 
-const scard::Result noReadersAvailable = 0x8010002Eu; // SCARD_E_NO_READERS_AVAILABLE
-
 [[noreturn]] void fail(const char* call, scard::Result code)
 {
     throw std::runtime_error(ovo::format("::%s() failed: SCard error: 0x%08X", call, code));
@@ -51,7 +49,7 @@ public:
         char* list = nullptr;
         std::uint32_t length = scard::autoAllocate;
         const scard::Result code = scard::SCardListReadersA(context, list, length);
-        if (code != 0 && code != noReadersAvailable)
+        if (code != 0 && code != scard::noReadersAvailable)
             return; // keep what is known: a failed look says nothing about the readers
         std::vector<std::string> names;
         for (const char* name = list; name != nullptr && *name != '\0'; name += names.back().size() + 1)

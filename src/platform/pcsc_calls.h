@@ -25,9 +25,11 @@ const std::uint32_t stateUnaware = 0;       // SCARD_STATE_UNAWARE
 const std::uint32_t statePresent = 0x20;    // SCARD_STATE_PRESENT
 const std::uint32_t autoAllocate = 0xFFFFFFFFu; // SCARD_AUTOALLOCATE
 const std::uint32_t stateChanged = 0x2;     // SCARD_STATE_CHANGED
-const std::uint32_t cancelled = 0x80100002u;     // SCARD_E_CANCELLED
-const std::uint32_t timedOut = 0x8010000Au;      // SCARD_E_TIMEOUT
-const std::uint32_t unknownReader = 0x80100009u; // SCARD_E_UNKNOWN_READER
+// Results of a wait that are no failure of the service.
+const Result cancelled = 0x80100002u;          // SCARD_E_CANCELLED
+const Result timedOut = 0x8010000Au;           // SCARD_E_TIMEOUT
+const Result unknownReader = 0x80100009u;      // SCARD_E_UNKNOWN_READER
+const Result noReadersAvailable = 0x8010002Eu; // SCARD_E_NO_READERS_AVAILABLE
 // The reader whose state changes when readers come and go.
 const char* const plugAndPlayReader = "\\\\?PnP?\\Notification";
 
