@@ -107,25 +107,19 @@ Result SCardGetStatusChangeA(Context, std::uint32_t timeout, const char* reader,
 }
 
 // Every reader but the plug-and-play one reports the scripted state and ATR.
-Result SCardGetStatusChangeA(Context, std::uint32_t timeout, std::vector<ReaderState>& states)
+Result SCardGetStatusChangeA(Context, std::uint32_t, std::vector<ReaderState>& states)
 {
     script.calls.push_back("SCardGetStatusChange");
-    script.timeout = timeout;
-    if (script.statusChangeResult != 0)
-        return script.statusChangeResult;
     for (ReaderState& state : states) {
-        const bool plugAndPlay = state.reader == plugAndPlayReader;
-        state.eventState = plugAndPlay ? state.currentState : script.eventState;
-        state.atr = plugAndPlay ? std::vector<unsigned char>() : script.atr;
+        if (state.reader != plugAndPlayReader) {
+            state.eventState = script.eventState;
+            state.atr = script.atr;
+        }
     }
-    return 0;
+    return script.statusChangeResult;
 }
 
-Result SCardCancel(Context)
-{
-    script.calls.push_back("SCardCancel");
-    return 0;
-}
+Result SCardCancel(Context) { return 0; }
 
 Result SCardListReadersA(Context, char*& list, std::uint32_t& length)
 {

@@ -24,14 +24,12 @@ using ovo::io::SerialPortInfo;
 
 TEST(SerialPorts, ThisMachineAnswersWithNamedPorts)
 {
-    for (const SerialPortInfo& port : ovo::io::listSerialPorts()) {
+    for (const SerialPortInfo& port : ovo::io::listSerialPorts())
 #if defined(_WIN32)
         EXPECT_EQ(port.deviceName.rfind("COM", 0), 0u) << port.deviceName;
 #else
         EXPECT_TRUE(std::filesystem::exists("/dev/" + port.deviceName)) << port.deviceName;
-        EXPECT_NE(port.description, "");
 #endif
-    }
 }
 
 #if !defined(_WIN32)
