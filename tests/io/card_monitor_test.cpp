@@ -50,5 +50,4 @@ TEST(CardMonitorService, ReaderAtTheStartCardInsertedAndRemovedStopFromAnotherTh
     }
     EXPECT_EQ(event.kind, CardEvent::cardRemoved);
     EXPECT_EQ(event.reader, ovo_test::readerName);
-    EXPECT_TRUE(event.atr.empty());
 }

@@ -63,7 +63,6 @@ TEST_F(DiscoveryTool, PortsAsATableAndAsJsonShowWhatTheLibraryFinds)
     std::istringstream table(ovo("ports"));
     std::string header, line;
     std::getline(table, header);
-    EXPECT_EQ(header.substr(0, 4), "NAME");
     for (std::size_t i = 0; i < names.size(); ++i) {
         ASSERT_TRUE(std::getline(table, line));
         EXPECT_EQ(line.rfind(names[i] + " ", 0), 0u) << line;
