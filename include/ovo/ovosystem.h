@@ -28,10 +28,12 @@
 #include <ovo/ipc/system_event.h>
 #include <ovo/ipc/system_mutex.h>
 #include <ovo/io/apdu.h>
+#include <ovo/io/card_monitor.h>
 #include <ovo/io/enumeration.h>
 #include <ovo/io/pcsc.h>
 #include <ovo/io/serial_config.h>
 #include <ovo/io/serial_io.h>
+#include <ovo/io/serial_ports.h>
 #include <ovo/logger/channel.h>
 #include <ovo/logger/channels.h>
 #include <ovo/logger/file_log_channel.h>

@@ -2,6 +2,8 @@
 // and DWORD/LONG of the width of `long`).
 #include "platform/pcsc_calls.h"
 
+#include <algorithm>
+
 #if defined(_WIN32)
 #  define WIN32_LEAN_AND_MEAN
 #  include <windows.h>
@@ -108,6 +110,30 @@ Result SCardGetStatusChangeA(Context context, std::uint32_t timeout, const char*
     eventState = static_cast<std::uint32_t>(state.dwEventState);
     return result(code);
 }
+
+Result SCardGetStatusChangeA(Context context, std::uint32_t timeout, std::vector<ReaderState>& states)
+{
+#if defined(_WIN32)
+    std::vector<SCARD_READERSTATEA> platformStates(states.size());
+#else
+    std::vector<SCARD_READERSTATE> platformStates(states.size());
+#endif
+    for (std::size_t i = 0; i < states.size(); ++i) {
+        platformStates[i].szReader = states[i].reader.c_str();
+        platformStates[i].dwCurrentState = states[i].currentState;
+    }
+    const LONG code = OVO_SCARD(::SCardGetStatusChange)(static_cast<SCARDCONTEXT>(context), timeout,
+                                                         platformStates.data(), static_cast<DWORD>(states.size()));
+    for (std::size_t i = 0; i < states.size(); ++i) {
+        const auto& reported = platformStates[i];
+        states[i].eventState = static_cast<std::uint32_t>(reported.dwEventState);
+        const std::size_t atrLength = std::min<std::size_t>(reported.cbAtr, sizeof reported.rgbAtr);
+        states[i].atr.assign(reported.rgbAtr, reported.rgbAtr + atrLength);
+    }
+    return result(code);
+}
+
+Result SCardCancel(Context context) { return result(::SCardCancel(static_cast<SCARDCONTEXT>(context))); }
 
 Result SCardListReadersA(Context context, char*& list, std::uint32_t& length)
 {

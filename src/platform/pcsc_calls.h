@@ -6,6 +6,8 @@
 #define OVO_SRC_PLATFORM_PCSC_CALLS_H
 
 #include <cstdint>
+#include <string>
+#include <vector>
 
 namespace ovo {
 namespace platform {
@@ -22,6 +24,23 @@ const std::uint32_t leaveCard = 0;          // SCARD_LEAVE_CARD
 const std::uint32_t stateUnaware = 0;       // SCARD_STATE_UNAWARE
 const std::uint32_t statePresent = 0x20;    // SCARD_STATE_PRESENT
 const std::uint32_t autoAllocate = 0xFFFFFFFFu; // SCARD_AUTOALLOCATE
+const std::uint32_t stateChanged = 0x2;     // SCARD_STATE_CHANGED
+// Results of a wait that are no failure of the service.
+const Result cancelled = 0x80100002u;          // SCARD_E_CANCELLED
+const Result timedOut = 0x8010000Au;           // SCARD_E_TIMEOUT
+const Result unknownReader = 0x80100009u;      // SCARD_E_UNKNOWN_READER
+const Result noReadersAvailable = 0x8010002Eu; // SCARD_E_NO_READERS_AVAILABLE
+// The reader whose state changes when readers come and go.
+const char* const plugAndPlayReader = "\\\\?PnP?\\Notification";
+
+// One reader's state in a wait on several: what the caller knows, what came back, and
+// the ATR of a card that is there.
+struct ReaderState {
+    std::string reader;
+    std::uint32_t currentState = stateUnaware;
+    std::uint32_t eventState = 0;
+    std::vector<unsigned char> atr;
+};
 
 Result SCardEstablishContext(std::uint32_t scope, Context& context);
 Result SCardReleaseContext(Context context);
@@ -37,6 +56,10 @@ Result SCardTransmit(Card card, std::uint32_t protocol, const unsigned char* com
 // One reader state, no waiting beyond the time-out; eventState comes back.
 Result SCardGetStatusChangeA(Context context, std::uint32_t timeout, const char* reader,
                              std::uint32_t currentState, std::uint32_t& eventState);
+// Several readers at once; eventState and atr come back for each.
+Result SCardGetStatusChangeA(Context context, std::uint32_t timeout, std::vector<ReaderState>& states);
+// Ends a wait of SCardGetStatusChangeA on the context, from another thread.
+Result SCardCancel(Context context);
 // All groups; the list is allocated by the service (length SCARD_AUTOALLOCATE).
 Result SCardListReadersA(Context context, char*& list, std::uint32_t& length);
 Result SCardFreeMemory(Context context, const void* memory);

@@ -106,6 +106,21 @@ Result SCardGetStatusChangeA(Context, std::uint32_t timeout, const char* reader,
     return 0;
 }
 
+// Every reader but the plug-and-play one reports the scripted state and ATR.
+Result SCardGetStatusChangeA(Context, std::uint32_t, std::vector<ReaderState>& states)
+{
+    script.calls.push_back("SCardGetStatusChange");
+    for (ReaderState& state : states) {
+        if (state.reader != plugAndPlayReader) {
+            state.eventState = script.eventState;
+            state.atr = script.atr;
+        }
+    }
+    return script.statusChangeResult;
+}
+
+Result SCardCancel(Context) { return 0; }
+
 Result SCardListReadersA(Context, char*& list, std::uint32_t& length)
 {
     script.calls.push_back("SCardListReaders");

@@ -1,21 +1,28 @@
 // ovo readers, ovo apdu: the PC/SC readers and the cards in them.
+#include "json.h"
 #include "tool.h"
 
 #include <ovo/io/apdu.h>
+#include <ovo/io/card_monitor.h>
 #include <ovo/io/enumeration.h>
 #include <ovo/io/pcsc.h>
 #include <ovo/strings.h>
 
 #include <algorithm>
+#include <chrono>
+#include <ctime>
 #include <iostream>
 
 namespace ovo_tool {
 namespace {
 
 const char readersHelp[] =
-    "usage: ovo readers [OPTIONS]\n"
-    "Lists the PC/SC readers, whether a card is present, and its ATR.\n"
-    "example: ovo readers\n";
+    "usage: ovo readers [--watch] [--json] [OPTIONS]\n"
+    "Lists the PC/SC readers, whether a card is present, and its ATR. With --watch, first\n"
+    "what is there, then one line per reader added or removed and card inserted or\n"
+    "removed, with the time, until Ctrl-C.\n"
+    "examples: ovo readers\n"
+    "          ovo readers --watch --json\n";
 
 const char apduHelp[] =
     "usage: ovo apdu [--reader=NAME] [OPTIONS] HEX...\n"
@@ -51,28 +58,77 @@ bool successful(const ovo::io::apdu& response)
     return response.isSuccess() || response.sw1() == 0x61;
 }
 
+// The local time now to the millisecond: "2026-11-23T18:30:00.123".
+std::string timestampNow()
+{
+    const auto now = std::chrono::system_clock::now();
+    const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
+    const auto millisecond =
+        std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count() % 1000;
+    std::tm local = {};
+    localtime_r(&seconds, &local);
+    char text[24] = {};
+    std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &local);
+    return ovo::format("%s.%03d", text, static_cast<int>(millisecond));
+}
+
+// One line an event, until Ctrl-C: "18:30:00.123 card inserted: READER, ATR 3B ...", or a
+// JSON object with the whole time.
+int watchReaders(bool json)
+{
+    static const char* const kinds[] = {"reader added", "reader removed", "card inserted", "card removed"};
+    watchInterrupts();
+    ovo::io::CardMonitor monitor;
+    ovo::io::CardEvent event;
+    while (!interrupted()) {
+        if (!monitor.next(event, 200)) // short waits, so that Ctrl-C is seen soon
+            continue;
+        const std::string time = timestampNow();
+        const bool inserted = event.kind == ovo::io::CardEvent::cardInserted;
+        if (json)
+            std::cout << "{\"time\":" << jsonString(time) << ",\"event\":" << jsonString(kinds[event.kind])
+                      << ",\"reader\":" << jsonString(event.reader)
+                      << (inserted ? ",\"atr\":" + jsonString(hex(event.atr)) : std::string()) << "}" << std::endl;
+        else
+            std::cout << time.substr(11) << ' ' << kinds[event.kind] << ": " << event.reader
+                      << (inserted ? ", ATR " + hex(event.atr) : std::string()) << std::endl;
+    }
+    return 0;
+}
+
 } // namespace
 
 int readersCommand(const std::vector<std::string>& args)
 {
     CommandLine line;
+    bool watch = false, json = false;
+    line.addFlag("watch", "show readers and cards as they come and go, until Ctrl-C", watch);
+    line.addFlag("json", "for scripts: one JSON document, with --watch one JSON object a line", json);
     line.parse(args);
     if (line.printedHelp(readersHelp))
         return 0;
     line.expectNoWords("ovo readers");
     ovo::logger::ILogger& log = setUpLogging(line, "ovo.readers");
+    if (watch)
+        return watchReaders(json);
+    std::string document = "[";
     for (const std::string& name : readers()) {
         ovo::io::pcsc reader(name, log);
-        if (!reader.isCardPresented()) {
-            std::cout << name << ": no card\n";
-            continue;
-        }
         Bytes atr;
-        reader.connect();
-        reader.cardStatus(atr);
-        reader.disconnect();
-        std::cout << name << ": card, ATR " << hex(atr) << '\n';
+        const bool card = reader.isCardPresented();
+        if (card) {
+            reader.connect();
+            reader.cardStatus(atr);
+            reader.disconnect();
+        }
+        if (json)
+            document += std::string(document.size() > 1 ? ",\n " : "") + "{\"reader\":" + jsonString(name) +
+                        ",\"card\":" + (card ? "true" : "false") + ",\"atr\":" + jsonString(hex(atr)) + "}";
+        else
+            std::cout << name << (card ? ": card, ATR " + hex(atr) : std::string(": no card")) << '\n';
     }
+    if (json)
+        std::cout << document << "]\n";
     return 0;
 }
 

@@ -83,6 +83,13 @@ void CommandLine::addText(const std::string& name, const std::string& descriptio
     helpLines_.push_back("  --" + name + "=TEXT  " + description);
 }
 
+void CommandLine::addFlag(const std::string& name, const std::string& description, bool& value)
+{
+    values_.emplace_back(new FlagValue(value));
+    processor_.add("", name, description, values_.back().get());
+    helpLines_.push_back("  --" + name + "  " + description);
+}
+
 void CommandLine::addNumber(const std::string& name, const std::string& description, long& value, long min, long max,
                             bool* given)
 {

@@ -33,6 +33,8 @@ public:
 
     // --NAME=TEXT; `given` tells whether it came.
     void addText(const std::string& name, const std::string& description, std::string& value, bool* given = nullptr);
+    // --NAME alone: sets the flag.
+    void addFlag(const std::string& name, const std::string& description, bool& value);
     // --NAME=N, a decimal number from min to max.
     void addNumber(const std::string& name, const std::string& description, long& value, long min, long max,
                    bool* given = nullptr);

@@ -17,6 +17,7 @@ struct Subcommand {
 const Subcommand subcommands[] = {
     {"readers", ovo_tool::readersCommand, "the PC/SC readers, their cards and ATRs"},
     {"apdu", ovo_tool::apduCommand, "send command units to a card and read the status words"},
+    {"ports", ovo_tool::portsCommand, "the serial ports, their USB identity and stable paths"},
     {"serial", ovo_tool::serialCommand, "send, receive or monitor bytes on a serial device"},
     {"channel", ovo_tool::channelCommand, "send, receive, watch or count messages of a channel"},
     {"objects", ovo_tool::objectsCommand, "list this user's named objects, or clean the stale ones"},

@@ -16,6 +16,7 @@ using Bytes = std::vector<unsigned char>;
 
 // Each subcommand takes the words after its name and gives the exit status.
 int readersCommand(const std::vector<std::string>& args);
+int portsCommand(const std::vector<std::string>& args);
 int apduCommand(const std::vector<std::string>& args);
 int serialCommand(const std::vector<std::string>& args);
 int channelCommand(const std::vector<std::string>& args);

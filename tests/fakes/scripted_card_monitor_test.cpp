@@ -1,0 +1,83 @@
+// The card monitor against scripted PC/SC calls: readers that come and go, a card swapped
+// between two looks and a failing service, which the virtual reader cannot be made to do.
+#include <ovo/io/card_monitor.h>
+
+#include "fakes/scripted_pcsc.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+using ovo::io::CardEvent;
+using ovo::io::CardMonitor;
+using ovo_fake::pcscScript;
+using Texts = std::vector<std::string>;
+
+namespace {
+
+// The events the monitor has now: "+card A 59.2.20.80" for a card inserted into A.
+Texts eventsNow(CardMonitor& monitor)
+{
+    static const char* const kinds[] = {"+reader ", "-reader ", "+card ", "-card "};
+    Texts events;
+    for (CardEvent event; monitor.next(event, 0);) {
+        events.push_back(kinds[event.kind] + event.reader);
+        for (std::size_t i = 0; i < event.atr.size(); ++i)
+            events.back() += (i == 0 ? " " : ".") + std::to_string(event.atr[i]);
+    }
+    return events;
+}
+
+template <typename Call>
+std::string failureOf(Call call)
+{
+    try {
+        call();
+    } catch (const std::runtime_error& e) {
+        return e.what();
+    }
+    return "no exception";
+}
+
+TEST(ScriptedCardMonitor, EventsInTheOrderOfWhatChanged)
+{
+    ovo_fake::resetPcscScript();
+    CardMonitor monitor;
+    const struct {
+        std::string readers;
+        std::uint32_t state; // of every reader; the upper half counts insertions and removals
+        Texts events;
+    } steps[] = {
+        {std::string("A\0B\0", 4), 0x22, {"+reader A", "+reader B", "+card A 59.2.20.80", "+card B 59.2.20.80"}},
+        {std::string("B\0", 2), 0x22, {"-card A", "-reader A"}},
+        {std::string("B\0", 2), 0x12, {"-card B"}},
+        {std::string("B\0", 2), 0x10022, {"+card B 59.2.20.80"}},
+        {std::string("B\0", 2), 0x30022, {"-card B", "+card B 59.2.20.80"}}, // swapped
+        {std::string(), 0x30022, {"-card B", "-reader B"}},
+    };
+    for (const auto& step : steps) {
+        pcscScript().readerList = step.readers + '\0';
+        pcscScript().listResult = step.readers.empty() ? 0x8010002E : 0; // as the service says "no readers"
+        pcscScript().eventState = step.state;
+        EXPECT_EQ(eventsNow(monitor), step.events) << step.readers;
+    }
+    pcscScript().statusChangeResult = 0x8010000A; // a time-out is no event
+    EXPECT_EQ(eventsNow(monitor), Texts{});
+}
+
+TEST(ScriptedCardMonitor, FailuresOfTheServiceAreReported)
+{
+    ovo_fake::resetPcscScript();
+    pcscScript().establishResult = 0x8010001D;
+    EXPECT_EQ(failureOf([] { CardMonitor monitor; }), "::SCardEstablishContext() failed: SCard error: 0x8010001D");
+
+    ovo_fake::resetPcscScript();
+    CardMonitor monitor;
+    EXPECT_EQ(eventsNow(monitor).size(), 4u);
+    pcscScript().statusChangeResult = 0x80100017; // the reader is unavailable
+    EXPECT_EQ(failureOf([&] { eventsNow(monitor); }), "::SCardGetStatusChange() failed: SCard error: 0x80100017");
+}
+
+} // namespace

@@ -1,0 +1,53 @@
+// The monitor of readers and cards against the real PC/SC service: pcscd with the virtual
+// reader driver (started by scripts/test.sh) and a virtual card that the test starts and
+// stops itself.
+#include <ovo/io/card_monitor.h>
+
+#include "support/virtual_card.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
+
+using ovo::io::CardEvent;
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+TEST(CardMonitorService, ReaderAtTheStartCardInsertedAndRemovedStopFromAnotherThread)
+{
+    if (!ovo_test::readerListed())
+        GTEST_SKIP() << "needs pcscd with the virtual reader '" << ovo_test::readerName
+                     << "' (scripts/test.sh installs and starts it)";
+    ASSERT_TRUE(ovo_test::waitForCard(false, std::chrono::seconds(10))) << "a card is already in the reader";
+    ovo::io::CardMonitor monitor;
+    CardEvent event;
+    bool readerSeen = false;
+    while (monitor.next(event, 200))
+        readerSeen = readerSeen || (event.kind == CardEvent::readerAdded && event.reader == ovo_test::readerName);
+    EXPECT_TRUE(readerSeen);
+
+    ovo_test::VirtualCard card;
+    // The card process needs some seconds to start; the service tells at once when it is there.
+    ASSERT_TRUE(monitor.next(event, 20000));
+    EXPECT_EQ(event.kind, CardEvent::cardInserted);
+    EXPECT_EQ(event.reader, ovo_test::readerName);
+    EXPECT_EQ(event.atr,
+              (std::vector<unsigned char>{0x3B, 0x95, 0x13, 0x81, 0x01, 0x80, 0x73, 0xFF, 0x01, 0x00, 0x0B}));
+
+    // Each a wait of next() that another thread ends: the card going, then stop().
+    for (const bool stopping : {false, true}) {
+        std::thread other([&] {
+            std::this_thread::sleep_for(milliseconds(100));
+            stopping ? monitor.stop() : card.stop();
+        });
+        const Clock::time_point start = Clock::now();
+        const bool reported = monitor.next(event, 30000);
+        const auto waited = Clock::now() - start;
+        other.join();
+        EXPECT_LT(waited, milliseconds(1100)) << stopping;
+        EXPECT_EQ(reported, !stopping);
+    }
+    EXPECT_EQ(event.kind, CardEvent::cardRemoved);
+    EXPECT_EQ(event.reader, ovo_test::readerName);
+}
