@@ -1,5 +1,6 @@
-// Card readers and cards as they come and go: a monitor of the PC/SC service that a
-// caller asks for the next event, waiting a bounded time for one.
+/// @file
+/// Card readers and cards as they come and go: a monitor of the PC/SC service that a
+/// caller asks for the next event, waiting a bounded time for one.
 #ifndef OVO_IO_CARD_MONITOR_H
 #define OVO_IO_CARD_MONITOR_H
 
@@ -12,33 +13,52 @@
 namespace ovo {
 namespace io {
 
+/// One change of the readers or their cards, as CardMonitor::next() gives it.
 struct CardEvent {
-    enum Kind : int { readerAdded, readerRemoved, cardInserted, cardRemoved };
+    /// What happened.
+    enum Kind : int {
+        /// A reader is there (at the start, or attached later).
+        readerAdded,
+        /// A reader was detached.
+        readerRemoved,
+        /// A card is in the reader (at the start, or inserted later); atr holds its ATR.
+        cardInserted,
+        /// The card left the reader, or the reader went with it.
+        cardRemoved
+    };
+    /// What happened.
     Kind kind = readerAdded;
+    /// The reader's name, as enumeratePCSCDevices() gives it.
     std::string reader;
-    std::vector<unsigned char> atr; // the card's ATR with cardInserted, else empty
+    /// The card's ATR with cardInserted, else empty.
+    std::vector<unsigned char> atr;
 };
 
 class CardMonitorImpl;
 
+/// A monitor of the PC/SC service's readers and cards. One thread calls next(); any
+/// thread may call stop().
 class OVO_API CardMonitor {
 public:
-    // Opens a service context of its own; throws std::runtime_error
-    // ("::SCardEstablishContext() failed: SCard error: 0x8010001D") when the service
-    // cannot be asked.
+    /// Opens a service context of its own.
+    /// @throws std::runtime_error ("::SCardEstablishContext() failed: SCard error:
+    ///         0x8010001D") when the service cannot be asked.
     CardMonitor();
+    /// Stops the monitor and releases its context.
     ~CardMonitor();
     CardMonitor(const CardMonitor&) = delete;
     CardMonitor& operator=(const CardMonitor&) = delete;
 
-    // The next event, waiting up to timeoutMs milliseconds for one (0: only a look).
-    // The first events tell what is there at the start: each reader (added), then each
-    // card in one (inserted). A reader that goes with its card gives cardRemoved first;
-    // a card swapped between two looks gives cardRemoved and cardInserted. False when
-    // the time ran out or once stop() was called. One thread calls next().
+    /// The next event, waiting up to timeoutMs milliseconds for one (0: only a look).
+    /// The first events tell what is there at the start: each reader (added), then each
+    /// card in one (inserted). A reader that goes with its card gives cardRemoved first;
+    /// a card swapped between two looks gives cardRemoved and cardInserted.
+    /// @return false when the time ran out or once stop() was called.
+    /// @throws std::runtime_error ("::SCardGetStatusChange() failed: SCard error: 0x...")
+    ///         when the service fails the wait. One thread calls next().
     bool next(CardEvent& event, unsigned int timeoutMs);
-    // From any thread: ends the wait of next() and makes every later call answer false
-    // at once. Returns when no next() waits any more.
+    /// From any thread: ends the wait of next() and makes every later call answer false
+    /// at once. Returns when no next() waits any more.
     void stop();
 
 private:

@@ -1,5 +1,6 @@
-// The machine's serial ports and what is behind each: a USB adapter's identity, so that
-// the same adapter is found again after re-plugging, and the paths that stay the same.
+/// @file
+/// The machine's serial ports and what is behind each: a USB adapter's identity, so that
+/// the same adapter is found again after re-plugging, and the paths that stay the same.
 #ifndef OVO_IO_SERIAL_PORTS_H
 #define OVO_IO_SERIAL_PORTS_H
 
@@ -11,24 +12,35 @@
 namespace ovo {
 namespace io {
 
-// One port. Every field but the name is empty where the system does not tell it.
+/// One port. Every field but the name is empty where the system does not tell it.
 struct SerialPortInfo {
-    std::string deviceName;  // as SerialConfig::setDeviceName takes it: ttyUSB0, COM3
-    std::string description; // the product's name, or what kind of port it is
-    std::string vendorId;    // USB ids, four hex digits each: "0403"
+    /// As SerialConfig::setDeviceName takes it: ttyUSB0, COM3.
+    std::string deviceName;
+    /// The product's name, or what kind of port it is.
+    std::string description;
+    /// The USB vendor id, four lower-case hex digits: "0403".
+    std::string vendorId;
+    /// The USB product id, four lower-case hex digits: "6001".
     std::string productId;
-    std::string serialNumber; // the USB device's serial number
+    /// The USB device's serial number.
+    std::string serialNumber;
+    /// The USB device's maker, as the device names it.
     std::string manufacturer;
+    /// The USB device's product name, as the device names it.
     std::string product;
-    std::string interfaceNumber; // the USB interface, two hex digits: "00"
+    /// The USB interface, two hex digits: "00".
+    std::string interfaceNumber;
+    /// The USB interface's own name, where it has one.
     std::string interfaceName;
-    // Paths that name this device whatever order it was found in (on Linux the links
-    // in /dev/serial/by-id, then /dev/serial/by-path); each is a device name too.
+    /// Paths that name this device whatever order it was found in (on Linux the links
+    /// in /dev/serial/by-id, then /dev/serial/by-path); each is a device name too.
     std::vector<std::string> stablePaths;
 };
 
-// The ports that exist now, by name in natural order (ttyS2 before ttyS10); empty when the
-// system cannot be asked. Ports the kernel only reserves and pseudo-terminals are left out.
+/// The ports that exist now, by name in natural order (ttyS2 before ttyS10). Ports the
+/// kernel only reserves and pseudo-terminals are left out.
+///
+/// Reports nothing: the list is empty when the system cannot be asked. Safe from any thread.
 OVO_API std::vector<SerialPortInfo> listSerialPorts();
 
 } // namespace io
