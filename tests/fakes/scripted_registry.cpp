@@ -9,22 +9,21 @@ namespace ovo_fake {
 namespace {
 
 RegistryScript script;
-std::uintptr_t nextKey = 0x4B00;
+std::uintptr_t lastKey = 0x4B00;
 
-std::string hex(const void* pointer)
+std::string hex(std::uintptr_t value, const char* format = "%lX")
 {
-    char text[32];
-    std::snprintf(text, sizeof text, "%lx", static_cast<unsigned long>(reinterpret_cast<std::uintptr_t>(pointer)));
+    char text[24];
+    std::snprintf(text, sizeof text, format, static_cast<unsigned long>(value));
     return text;
 }
 
+std::string hex(const void* key) { return hex(reinterpret_cast<std::uintptr_t>(key)); }
+
 LONG open(const char* call, HKEY root, LPCSTR subKey, REGSAM access, PHKEY result)
 {
-    script.calls.push_back(call);
-    script.openedRoot = hex(root);
-    script.openedKey = subKey;
-    script.openedAccess = access;
-    *result = script.openResult == 0 ? reinterpret_cast<HKEY>(++nextKey) : nullptr;
+    script.calls.push_back(std::string(call) + "(" + hex(root) + ", " + subKey + ", " + hex(access) + ")");
+    *result = script.openResult == 0 ? reinterpret_cast<HKEY>(++lastKey) : nullptr;
     return script.openResult;
 }
 
@@ -32,7 +31,11 @@ LONG open(const char* call, HKEY root, LPCSTR subKey, REGSAM access, PHKEY resul
 
 RegistryScript& registryScript() { return script; }
 
-void resetRegistryScript() { script = RegistryScript(); }
+void resetRegistryScript()
+{
+    script = RegistryScript();
+    lastKey = 0x4B00;
+}
 
 } // namespace ovo_fake
 
@@ -40,6 +43,7 @@ namespace ovo {
 namespace platform {
 namespace registry {
 
+using ovo_fake::hex;
 using ovo_fake::script;
 
 LONG RegOpenKeyExA(HKEY key, LPCSTR subKey, DWORD, REGSAM access, PHKEY result)
@@ -55,14 +59,13 @@ LONG RegCreateKeyExA(HKEY key, LPCSTR subKey, DWORD, LPSTR, DWORD, REGSAM access
 
 LONG RegCloseKey(HKEY key)
 {
-    script.calls.push_back("RegCloseKey");
-    script.closedKeys.push_back(reinterpret_cast<std::uintptr_t>(key));
+    script.calls.push_back("RegCloseKey(" + hex(key) + ")");
     return ERROR_SUCCESS;
 }
 
-LONG RegFlushKey(HKEY)
+LONG RegFlushKey(HKEY key)
 {
-    script.calls.push_back("RegFlushKey");
+    script.calls.push_back("RegFlushKey(" + hex(key) + ")");
     return ERROR_SUCCESS;
 }
 
@@ -70,15 +73,15 @@ LONG RegFlushKey(HKEY)
 // for a buffer too small, the bytes otherwise.
 LONG RegQueryValueExA(HKEY key, LPCSTR name, LPDWORD, LPDWORD type, LPBYTE data, LPDWORD size)
 {
-    script.calls.push_back("RegQueryValueExA");
-    script.querySizes.push_back(size != nullptr ? *size : 0);
+    script.calls.push_back("RegQueryValueExA(" + hex(key) + ", " + name + ", " + (data ? std::to_string(*size) : "-") +
+                           ")");
     const auto value = script.values.find(name);
     if (key == nullptr)
         return ERROR_INVALID_HANDLE;
     if (value == script.values.end())
         return ERROR_FILE_NOT_FOUND;
     *type = value->second.type;
-    const DWORD length = static_cast<DWORD>(value->second.bytes.size());
+    const auto length = static_cast<DWORD>(value->second.bytes.size());
     if (data != nullptr && *size < length) {
         *size = length;
         return ERROR_MORE_DATA;
@@ -91,19 +94,18 @@ LONG RegQueryValueExA(HKEY key, LPCSTR name, LPDWORD, LPDWORD type, LPBYTE data,
 
 LONG RegSetValueExA(HKEY key, LPCSTR name, DWORD, DWORD type, const BYTE* data, DWORD size)
 {
-    script.calls.push_back("RegSetValueExA");
-    if (key == nullptr)
-        return ERROR_INVALID_HANDLE;
-    script.values[name] = ovo_fake::StoredValue{type, std::string(reinterpret_cast<const char*>(data), size)};
-    return ERROR_SUCCESS;
+    std::string bytes;
+    for (DWORD i = 0; i < size; ++i)
+        bytes += (i == 0 ? "" : " ") + hex(data[i], "%02lX");
+    script.calls.push_back("RegSetValueExA(" + hex(key) + ", " + name + ", " + std::to_string(type) + ", [" + bytes +
+                           "])");
+    return key != nullptr ? ERROR_SUCCESS : ERROR_INVALID_HANDLE;
 }
 
 LONG RegDeleteValueA(HKEY key, LPCSTR name)
 {
-    script.calls.push_back("RegDeleteValueA");
-    if (key == nullptr)
-        return ERROR_INVALID_HANDLE;
-    return script.values.erase(name) != 0 ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
+    script.calls.push_back("RegDeleteValueA(" + hex(key) + ", " + name + ")");
+    return key != nullptr ? ERROR_SUCCESS : ERROR_INVALID_HANDLE;
 }
 
 } // namespace registry
