@@ -32,8 +32,7 @@ OVO_API void resetPcscScript();
 // The scripted transmit called directly: the bare call sequence that pcsc::exchange makes,
 // for the benchmark's reference.
 OVO_API std::uint32_t bareTransmit(std::intptr_t card, std::uint32_t protocol, const unsigned char* command,
-                                   std::uint32_t commandLength, unsigned char* response,
-                                   std::uint32_t& responseLength);
+                                   std::uint32_t commandLength, unsigned char* response, std::uint32_t& responseLength);
 
 } // namespace ovo_fake
 

@@ -118,16 +118,21 @@ TEST_F(ScriptedService, StatesOutsideOneToSixAreUnknownAndAnEmptyAtrKeepsTheVect
 
 TEST_F(ScriptedService, EnumerationWalksTheListAndReleasesWhatItTook)
 {
-    const Texts listed{"SCardEstablishContext(0)", "SCardListReaders(C0C, FFFFFFFF)"};
+    const Texts listed{"SCardEstablishContext(0)", "SCardListReaders(C0C, 4294967295)"};
     const struct {
         const char* failing;
         std::string readerList;
         Texts readers;
         Texts calls;
     } cases[] = {
-        {"", std::string("Reader A 00 00\0Reader B 01 00\0", 31), {readerA, "Reader B 01 00"},
+        {"",
+         std::string("Reader A 00 00\0Reader B 01 00\0", 31),
+         {readerA, "Reader B 01 00"},
          {listed[0], listed[1], "SCardFreeMemory(C0C, the list)", "SCardReleaseContext(C0C)"}},
-        {"", std::string(1, '\0'), {}, {listed[0], listed[1], "SCardFreeMemory(C0C, the list)", "SCardReleaseContext(C0C)"}},
+        {"",
+         std::string(1, '\0'),
+         {},
+         {listed[0], listed[1], "SCardFreeMemory(C0C, the list)", "SCardReleaseContext(C0C)"}},
         {"SCardListReaders", "", {}, {listed[0], listed[1], "SCardReleaseContext(C0C)"}},
         {"SCardEstablishContext", "", {}, {listed[0]}},
     };

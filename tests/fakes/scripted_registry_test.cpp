@@ -17,22 +17,25 @@ using ovo_fake::registryScript;
 using Calls = std::vector<std::string>;
 
 const unsigned long keyRead = 0x20019;
-// The caller's mask, with the 64-bit view only for a 32-bit process on a 64-bit system.
-const std::string keyReadPassed = ovo::win32::IsWow64() ? "20119" : "20019";
 
-HKEY keyOf(std::uintptr_t number) { return reinterpret_cast<HKEY>(number); }
+// The caller's mask as passed: the 64-bit view added only for a 32-bit process on a
+// 64-bit system.
+std::string passed(unsigned long mask)
+{
+    char text[16];
+    std::snprintf(text, sizeof text, "%lX", mask | (ovo::win32::IsWow64() ? 0x100 : 0));
+    return text;
+}
 
 class ScriptedRegistryTest : public ::testing::Test {
 protected:
     void SetUp() override { ovo_fake::resetRegistryScript(); }
 };
 
-TEST_F(ScriptedRegistryTest, TheKeyNameIsTheBaseABackslashAndTheName)
+TEST_F(ScriptedRegistryTest, OpensPassTheMaskAndTheBaseABackslashAndTheName)
 {
     const struct {
-        const char* base;
-        const char* name;
-        const char* keyName;
+        const char *base, *name, *keyName;
     } cases[] = {{"Software", "Sub", "Software\\Sub"}, {"", "Sub", "Sub"}, {"A\\", "B", "A\\\\B"}, {"A", "", "A\\"}};
     for (const auto& c : cases) {
         ovo_fake::resetRegistryScript();
@@ -41,25 +44,20 @@ TEST_F(ScriptedRegistryTest, TheKeyNameIsTheBaseABackslashAndTheName)
         key.close();
         EXPECT_TRUE(key.createAndOpen(c.name, 0xF003F));
         EXPECT_EQ(key.keyName(), c.keyName);
-        const std::string name(c.keyName);
-        EXPECT_EQ(registryScript().calls, (Calls{"RegOpenKeyExA(80000002, " + name + ", " + keyReadPassed + ")",
-                                                 "RegCloseKey(4B01)",
-                                                 "RegCreateKeyExA(80000002, " + name + ", " +
-                                                     (ovo::win32::IsWow64() ? "F013F" : "F003F") + ")"}));
+        const std::string name = c.keyName;
+        EXPECT_EQ(registryScript().calls,
+                  (Calls{"RegOpenKeyExA(80000002, " + name + ", " + passed(keyRead) + ")", "RegCloseKey(4B01)",
+                         "RegCreateKeyExA(80000002, " + name + ", " + passed(0xF003F) + ")"}));
     }
-}
-
-TEST_F(ScriptedRegistryTest, AFailedOpenKeepsTheAttemptedPathAndNoKey)
-{
     registryScript().openResult = 2;
     registry key(HKEY_CURRENT_USER, "Software");
     EXPECT_FALSE(key.open("Missing", keyRead));
     EXPECT_FALSE(key.createAndOpen("Missing", keyRead));
-    EXPECT_EQ(key.keyName(), "Software\\Missing");
+    EXPECT_EQ(key.keyName(), "Software\\Missing") << "the attempted path";
     EXPECT_EQ(key.keyHandle(), nullptr);
 }
 
-TEST_F(ScriptedRegistryTest, EachKeyIsClosedOnceAndOnlyByItsHolder)
+TEST_F(ScriptedRegistryTest, EachKeyIsClosedOnceByItsHolder)
 {
     {
         registry nothing(HKEY_CURRENT_USER);
@@ -69,17 +67,17 @@ TEST_F(ScriptedRegistryTest, EachKeyIsClosedOnceAndOnlyByItsHolder)
     {
         registry key(HKEY_CURRENT_USER);
         key.open("A", keyRead);
-        key.attach(keyOf(0x77)); // the open key is the caller's to close first
+        key.attach(reinterpret_cast<HKEY>(0x77)); // the open key was the caller's to close first
         EXPECT_EQ(key.keyName(), "A");
         key.close();
         key.close();
-        key.attach(keyOf(0x78));
+        key.attach(reinterpret_cast<HKEY>(0x78));
     }
     EXPECT_EQ(registryScript().calls,
-              (Calls{"RegOpenKeyExA(80000001, A, " + keyReadPassed + ")", "RegCloseKey(77)", "RegCloseKey(78)"}));
+              (Calls{"RegOpenKeyExA(80000001, A, " + passed(keyRead) + ")", "RegCloseKey(77)", "RegCloseKey(78)"}));
 }
 
-TEST_F(ScriptedRegistryTest, CopiesShareTheKeyAndTheLastOneClosesIt)
+TEST_F(ScriptedRegistryTest, CopiesShareTheKeyAndTheLastHolderClosesIt)
 {
     for (int firstGone = 0; firstGone < 3; ++firstGone) {
         ovo_fake::resetRegistryScript();
@@ -99,36 +97,13 @@ TEST_F(ScriptedRegistryTest, CopiesShareTheKeyAndTheLastOneClosesIt)
             delete next;
             EXPECT_EQ(registryScript().calls.size(), i < 2 ? 3u : 4u) << "closed before its last holder let go";
         }
-        EXPECT_EQ(registryScript().calls, (Calls{"RegOpenKeyExA(80000001, A, " + keyReadPassed + ")",
-                                                 "RegOpenKeyExA(80000001, B, " + keyReadPassed + ")",
+        EXPECT_EQ(registryScript().calls, (Calls{"RegOpenKeyExA(80000001, A, " + passed(keyRead) + ")",
+                                                 "RegOpenKeyExA(80000001, B, " + passed(keyRead) + ")",
                                                  "RegCloseKey(4B02)", "RegCloseKey(4B01)"}));
     }
 }
 
-TEST_F(ScriptedRegistryTest, ReadsOfferTheSizesOfTheirValuesAndGiveTheDefaultOnFailure)
-{
-    auto& values = registryScript().values;
-    values["number"] = {4, std::string("\x07\0\0\0", 4)};
-    values["short"] = {3, "ab"};      // any type of at most 4 bytes is a number
-    values["long"] = {2, "%PATH%"};   // stored without its NUL: the text all the same
-    values["empty"] = {1, ""};        // written with size 0: empty, not missing
-    registry key(HKEY_CURRENT_USER);
-    EXPECT_EQ(key.queryDWORDValue("number", 9), 9u) << "no key";
-    EXPECT_EQ(key.queryStringValue("long", "d"), "d") << "no key";
-    key.open("K", keyRead);
-    registryScript().calls.clear();
-    EXPECT_EQ(key.queryDWORDValue("number", 9), 7u);
-    EXPECT_EQ(key.queryDWORDValue("short", 9), 0x6261u);
-    EXPECT_EQ(key.queryDWORDValue("long", 9), 9u);
-    EXPECT_EQ(key.queryStringValue("long", "d"), "%PATH%");
-    EXPECT_EQ(key.queryStringValue("empty", "d"), "");
-    EXPECT_EQ(registryScript().calls,
-              (Calls{"RegQueryValueExA(4B01, number, 4)", "RegQueryValueExA(4B01, short, 4)",
-                     "RegQueryValueExA(4B01, long, 4)", "RegQueryValueExA(4B01, long, -)",
-                     "RegQueryValueExA(4B01, long, 6)", "RegQueryValueExA(4B01, empty, -)"}));
-}
-
-TEST_F(ScriptedRegistryTest, WritesGiveTheTypeAndTheBytes)
+TEST_F(ScriptedRegistryTest, ValuesGoWithTheirTypeAndSizeAndFailedReadsGiveTheDefault)
 {
     registry key(HKEY_CURRENT_USER);
     key.createAndOpen("K", 0xF003F);
@@ -136,12 +111,35 @@ TEST_F(ScriptedRegistryTest, WritesGiveTheTypeAndTheBytes)
     key.setStringValue("text", "");
     key.setStringValue("word", "ab");
     key.setDWORDValue("number", 0x01020304);
+    EXPECT_EQ(key.queryDWORDValue("number", 9), 9u);
+    EXPECT_EQ(key.queryStringValue("word", "d"), "d");
     key.deleteValue("word");
     key.flush();
     EXPECT_EQ(registryScript().calls,
               (Calls{"RegSetValueExA(4B01, text, 1, [00])", "RegSetValueExA(4B01, word, 1, [61 62 00])",
-                     "RegSetValueExA(4B01, number, 4, [04 03 02 01])", "RegDeleteValueA(4B01, word)",
-                     "RegFlushKey(4B01)"}));
+                     "RegSetValueExA(4B01, number, 4, [04 03 02 01])", "RegQueryValueExA(4B01, number, 4)",
+                     "RegQueryValueExA(4B01, word, -)", "RegDeleteValueA(4B01, word)", "RegFlushKey(4B01)"}));
+}
+
+TEST_F(ScriptedRegistryTest, TextComesOnlyFromTextTypesAndNumbersFromAtMostFourBytes)
+{
+    registryScript().values = {{"number", {4, std::string("\x07\0\0\0", 4)}},
+                               {"short", {3, "ab"}},
+                               {"expand", {2, "%PATH%"}}, // without its NUL, and not expanded
+                               {"empty", {1, ""}}};       // written with size 0: empty, not missing
+    registry key(HKEY_CURRENT_USER);
+    EXPECT_EQ(key.queryDWORDValue("number", 9), 9u) << "no key open";
+    key.open("K", keyRead);
+    const struct {
+        const char* name;
+        const char* text;
+        unsigned long number;
+    } cases[] = {
+        {"number", "d", 7}, {"short", "d", 0x6261}, {"expand", "%PATH%", 9}, {"empty", "", 0}, {"missing", "d", 9}};
+    for (const auto& c : cases) {
+        EXPECT_EQ(key.queryStringValue(c.name, "d"), c.text) << c.name;
+        EXPECT_EQ(key.queryDWORDValue(c.name, 9), c.number) << c.name;
+    }
 }
 
 } // namespace

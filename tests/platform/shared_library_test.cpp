@@ -12,7 +12,7 @@
 #include <string>
 
 #if defined(_WIN32)
-#  include <windows.h>
+#include <windows.h>
 #endif
 
 namespace fs = std::filesystem;

@@ -8,8 +8,7 @@
 namespace ovo_test {
 
 // "" when the call throws nothing.
-template <typename Call>
-std::string failureOf(Call call)
+template <typename Call> std::string failureOf(Call call)
 {
     try {
         call();
