@@ -2,10 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <stdexcept>
 #include <string>
-#include <utility>
 
 using namespace ovo::io;
 
@@ -73,21 +71,4 @@ TEST(SerialConfig, BaudAndDeviceReadBackAndBadNumbersThrow)
     EXPECT_EQ(SerialConfig::fromString("baud=-1").baudRate(), 4294967295u); // the bit pattern
     for (const char* bad : {"baud=fast", "data=eight", "baud=9600 "})
         EXPECT_THROW(SerialConfig::fromString(bad), std::logic_error) << bad;
-}
-
-TEST(SerialConfig, CopiesAndMovesKeepEveryMember)
-{
-    const char* const text = "baud=9600;data=7;device=COM2;flow=hardware;parity=odd;stop=2";
-    SerialConfig config = SerialConfig::fromString(text);
-    config.setCommTimeouts({1, 2, 3, 4, 5});
-    config.setBuffersSize({4096, 2048});
-    SerialConfig assigned;
-    assigned = config;
-    const SerialConfig moved(std::move(config));
-    EXPECT_EQ(config.baudRate(), 9600u); // NOLINT: numeric members stay in the source
-    for (const SerialConfig& copy : {std::cref(assigned), std::cref(moved)}) {
-        EXPECT_EQ(copy.toString(), text);
-        EXPECT_EQ(copy.commTimeouts().writeMultiplier, 5u);
-        EXPECT_EQ(copy.buffersSize().outputSize, 2048u);
-    }
 }
