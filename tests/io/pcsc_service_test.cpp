@@ -31,7 +31,7 @@ protected:
         if (!ovo_test::readerListed())
             return;
         card = new ovo_test::VirtualCard;
-        cardReady = ovo_test::waitForCard(true, std::chrono::seconds(15));
+        cardReady = ovo_test::waitForCard(true, std::chrono::seconds(30)); // slow on a loaded machine
     }
     static void TearDownTestSuite()
     {
