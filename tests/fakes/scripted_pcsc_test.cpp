@@ -110,7 +110,7 @@ TEST_F(ScriptedService, StatesOutsideOneToSixAreUnknownAndAnEmptyAtrKeepsTheVect
         EXPECT_EQ(reader.cardStatus(atr), c.status) << c.state;
         EXPECT_EQ(atr, c.after) << c.state;
     }
-    for (std::uint32_t event : {0x22u, 0x20u, 0x12u, 0x10u}) {
+    for (std::uint32_t event : {0x22u, 0x20u, 0x12u, 0x10u, 0x02u}) {
         pcscScript().eventState = event;
         EXPECT_EQ(reader.isCardPresented(), event >= 0x20) << event;
     }
