@@ -59,24 +59,24 @@ TEST(ScriptedCardMonitor, EventsInTheOrderOfWhatChanged)
     };
     for (const auto& step : steps) {
         pcscScript().readerList = step.readers + '\0';
-        pcscScript().listResult = step.readers.empty() ? 0x8010002E : 0; // as the service says "no readers"
+        pcscScript().failures["SCardListReaders"] = step.readers.empty() ? 0x8010002E : 0; // the service's "no readers"
         pcscScript().eventState = step.state;
         EXPECT_EQ(eventsNow(monitor), step.events) << step.readers;
     }
-    pcscScript().statusChangeResult = 0x8010000A; // a time-out is no event
+    pcscScript().failures["SCardGetStatusChange"] = 0x8010000A; // a time-out is no event
     EXPECT_EQ(eventsNow(monitor), Texts{});
 }
 
 TEST(ScriptedCardMonitor, FailuresOfTheServiceAreReported)
 {
     ovo_fake::resetPcscScript();
-    pcscScript().establishResult = 0x8010001D;
+    pcscScript().failures["SCardEstablishContext"] = 0x8010001D;
     EXPECT_EQ(failureOf([] { CardMonitor monitor; }), "::SCardEstablishContext() failed: SCard error: 0x8010001D");
 
     ovo_fake::resetPcscScript();
     CardMonitor monitor;
     EXPECT_EQ(eventsNow(monitor).size(), 4u);
-    pcscScript().statusChangeResult = 0x80100017; // the reader is unavailable
+    pcscScript().failures["SCardGetStatusChange"] = 0x80100017; // the reader is unavailable
     EXPECT_EQ(failureOf([&] { eventsNow(monitor); }), "::SCardGetStatusChange() failed: SCard error: 0x80100017");
 }
 

@@ -17,9 +17,8 @@ using namespace ovo::logger;
 
 namespace {
 
-const std::int64_t ticksPerSecond = 10000000;
-const std::int64_t ticksPerMillisecond = 10000;
-const std::int64_t midnight20261120 = 1795132800LL * ticksPerSecond; // 2026-11-20 00:00:00 UTC
+const std::int64_t second = 10000000, millisecond = 10000; // in 100-ns ticks
+const std::int64_t midnight = 1795132800LL * second;       // 2026-11-20 00:00:00 UTC
 
 class InUtc : public testing::Test {
 protected:
@@ -38,6 +37,7 @@ protected:
 
 } // namespace
 
+// One reading per message, in any order of instants.
 TEST_F(InUtc, StampsOfChosenInstants)
 {
     SimpleFormatter formatter;
@@ -45,11 +45,11 @@ TEST_F(InUtc, StampsOfChosenInstants)
         std::int64_t ticks;
         const char* stamp;
     } cases[] = {
-        {midnight20261120, "00:00:00.000"},
-        {midnight20261120 + 7 * ticksPerMillisecond, "00:00:00.007"},
-        {midnight20261120 + 7 * ticksPerMillisecond + 9999, "00:00:00.007"}, // fractions are cut off
-        {midnight20261120 - 1, "23:59:59.999"},
-        {midnight20261120 + (13 * 3600 + 4 * 60 + 5) * ticksPerSecond + 60 * ticksPerMillisecond, "13:04:05.060"},
+        {midnight, "00:00:00.000"},
+        {midnight + 7 * millisecond + 9999, "00:00:00.007"}, // fractions are cut off
+        {midnight - 1, "23:59:59.999"},
+        {midnight + (13 * 3600 + 4 * 60 + 5) * second + 60 * millisecond, "13:04:05.060"},
+        {midnight + 999 * millisecond, "00:00:00.999"},
     };
     for (const auto& c : cases) {
         ovo_fake::scriptClock({c.ticks});
@@ -58,19 +58,16 @@ TEST_F(InUtc, StampsOfChosenInstants)
     }
 }
 
-TEST_F(InUtc, FileNameIsReadBeforeTheStamp)
+// The name is read a millisecond before midnight, the stamp at midnight: the line of the
+// new day ends the old day's file.
+TEST_F(InUtc, TheFileNameIsReadBeforeTheStamp)
 {
     ovo_test::TempDir dir;
     FileLogChannel channel(dir.string(), "midnight");
     channel.setFormatter(std::make_shared<SimpleFormatter>());
-
-    // The name is taken a millisecond before midnight, the stamp at midnight: the line of
-    // the new day ends the old day's file.
-    ovo_fake::scriptClock({midnight20261120 - ticksPerMillisecond, midnight20261120});
+    ovo_fake::scriptClock({midnight - millisecond, midnight, midnight + millisecond, midnight + millisecond});
     channel.write("clock", "last of the day");
-    ovo_fake::scriptClock({midnight20261120 + ticksPerMillisecond, midnight20261120 + ticksPerMillisecond});
     channel.write("clock", "first of the day");
-
     EXPECT_EQ(ovo_test::readFile(dir.path() / "2026-11-19-midnight.log"),
               "00:00:00.000 [clock           ] last of the day\n");
     EXPECT_EQ(ovo_test::readFile(dir.path() / "2026-11-20-midnight.log"),

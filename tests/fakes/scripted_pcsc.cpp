@@ -3,15 +3,49 @@
 #include "platform/pcsc_calls.h"
 
 #include <algorithm>
-#include <cstring>
+#include <cstdio>
 
 namespace ovo_fake {
-
 namespace {
 
 PcscScript script;
-const ovo::platform::scard::Context fakeContext = 0x0C0C;
-const ovo::platform::scard::Card fakeCard = 0x0CA4D;
+const std::intptr_t ourContext = 0xC0C;
+const std::intptr_t ourCard = 0xCA4D;
+const std::size_t callsKept = 64; // a benchmark's millions of calls are not kept
+
+struct Data {
+    const unsigned char* bytes;
+    std::uint32_t length;
+};
+
+// Arguments as the log shows them: handles in hex, numbers in decimal, data as hex bytes.
+std::string text(std::intptr_t handle, const char* format = "%lX")
+{
+    char digits[24];
+    std::snprintf(digits, sizeof digits, format, static_cast<unsigned long>(handle));
+    return digits;
+}
+std::string text(std::uint32_t number) { return std::to_string(number); }
+std::string text(const char* name) { return name; }
+std::string text(Data data)
+{
+    std::string bytes;
+    for (std::uint32_t i = 0; i < data.length; ++i)
+        bytes += (i == 0 ? "" : " ") + text(data.bytes[i], "%02X");
+    return "[" + bytes + "]";
+}
+
+// Logs the call and gives its scripted result.
+template <typename... Arguments> std::uint32_t call(const std::string& name, const Arguments&... arguments)
+{
+    if (script.calls.size() < callsKept) {
+        std::string list;
+        ((list += (list.empty() ? "" : ", ") + text(arguments)), ...);
+        script.calls.push_back(name + "(" + list + ")");
+    }
+    const auto failure = script.failures.find(name);
+    return failure != script.failures.end() ? failure->second : 0;
+}
 
 } // namespace
 
@@ -24,119 +58,79 @@ namespace ovo {
 namespace platform {
 namespace scard {
 
-using ovo_fake::script;
+using namespace ovo_fake;
 
 Result SCardEstablishContext(std::uint32_t scope, Context& context)
 {
-    script.calls.push_back("SCardEstablishContext");
-    script.scope = scope;
-    context = script.establishResult == 0 ? ovo_fake::fakeContext : 0;
-    return script.establishResult;
+    const Result result = call("SCardEstablishContext", scope);
+    context = result == 0 ? ourContext : 0;
+    return result;
 }
 
-Result SCardReleaseContext(Context context)
-{
-    script.calls.push_back("SCardReleaseContext");
-    script.released += context == ovo_fake::fakeContext ? 1 : 0;
-    return 0;
-}
+Result SCardReleaseContext(Context context) { return call("SCardReleaseContext", context); }
 
-Result SCardConnectA(Context, const char* reader, std::uint32_t shareMode, std::uint32_t protocols, Card& card,
+// The out-values are filled also on failure, where the library must not take them.
+Result SCardConnectA(Context context, const char* reader, std::uint32_t shareMode, std::uint32_t protocols, Card& card,
                      std::uint32_t& activeProtocol)
 {
-    script.calls.push_back("SCardConnect");
-    script.reader = reader;
-    script.share = shareMode;
-    script.protocols = protocols;
-    if (script.connectResult != 0)
-        return script.connectResult;
-    card = ovo_fake::fakeCard;
+    card = ourCard;
     activeProtocol = script.activeProtocol;
-    return 0;
+    return call("SCardConnect", context, reader, shareMode, protocols);
 }
 
-Result SCardDisconnect(Card, std::uint32_t disposition)
-{
-    script.calls.push_back("SCardDisconnect");
-    script.disposition = disposition;
-    return 0;
-}
+Result SCardDisconnect(Card card, std::uint32_t disposition) { return call("SCardDisconnect", card, disposition); }
 
-Result SCardStatusA(Card, char* names, std::uint32_t& namesLength, std::uint32_t& state, std::uint32_t&,
+Result SCardStatusA(Card card, char*, std::uint32_t& namesLength, std::uint32_t& state, std::uint32_t&,
                     unsigned char* atr, std::uint32_t& atrLength)
 {
-    script.calls.push_back("SCardStatus");
-    script.nameRoom = namesLength;
-    script.atrRoom = atrLength;
-    if (script.statusResult != 0)
-        return script.statusResult;
-    std::strncpy(names, "Reader A 00 00", namesLength);
-    const auto length = static_cast<std::uint32_t>(script.atr.size());
-    if (length > atrLength)
-        return 0x80100008u; // SCARD_E_INSUFFICIENT_BUFFER
-    std::copy(script.atr.begin(), script.atr.end(), atr);
-    atrLength = length;
+    const Result result = call("SCardStatus", card, namesLength, atrLength);
+    if (result != 0 || script.atr.size() > atrLength)
+        return result != 0 ? result : 0x80100008u; // SCARD_E_INSUFFICIENT_BUFFER
+    atrLength = static_cast<std::uint32_t>(std::copy(script.atr.begin(), script.atr.end(), atr) - atr);
     state = script.cardState;
     return 0;
 }
 
-Result SCardTransmit(Card, std::uint32_t protocol, const unsigned char* command, std::uint32_t commandLength,
+Result SCardTransmit(Card card, std::uint32_t protocol, const unsigned char* command, std::uint32_t commandLength,
                      unsigned char* response, std::uint32_t& responseLength)
 {
-    script.calls.push_back("SCardTransmit");
-    script.transmitProtocol = protocol;
-    script.command.assign(command, command + commandLength);
-    script.receiveRoom = responseLength;
+    const Result result = call("SCardTransmit", card, protocol, Data{command, commandLength}, responseLength);
     const std::size_t copied = std::min<std::size_t>(script.response.size(), responseLength);
     std::copy(script.response.begin(), script.response.begin() + static_cast<std::ptrdiff_t>(copied), response);
-    responseLength = script.reportedLength == 0xFFFFFFFFu ? static_cast<std::uint32_t>(copied) : script.reportedLength;
-    return script.transmitResult;
+    responseLength = script.reportedLength != 0 ? script.reportedLength : static_cast<std::uint32_t>(copied);
+    return result;
 }
 
-Result SCardGetStatusChangeA(Context, std::uint32_t timeout, const char* reader, std::uint32_t currentState,
+Result SCardGetStatusChangeA(Context context, std::uint32_t timeout, const char* reader, std::uint32_t currentState,
                              std::uint32_t& eventState)
 {
-    script.calls.push_back("SCardGetStatusChange");
-    script.timeout = timeout;
-    script.reader = reader;
-    script.currentState = currentState;
-    if (script.statusChangeResult != 0)
-        return script.statusChangeResult;
     eventState = script.eventState;
-    return 0;
+    return call("SCardGetStatusChange", context, timeout, reader, currentState);
 }
 
 // Every reader but the plug-and-play one reports the scripted state and ATR.
-Result SCardGetStatusChangeA(Context, std::uint32_t, std::vector<ReaderState>& states)
+Result SCardGetStatusChangeA(Context context, std::uint32_t timeout, std::vector<ReaderState>& states)
 {
-    script.calls.push_back("SCardGetStatusChange");
     for (ReaderState& state : states) {
         if (state.reader != plugAndPlayReader) {
             state.eventState = script.eventState;
             state.atr = script.atr;
         }
     }
-    return script.statusChangeResult;
+    return call("SCardGetStatusChange", context, timeout, static_cast<std::uint32_t>(states.size()));
 }
 
-Result SCardCancel(Context) { return 0; }
+Result SCardCancel(Context context) { return call("SCardCancel", context); }
 
-Result SCardListReadersA(Context, char*& list, std::uint32_t& length)
+Result SCardListReadersA(Context context, char*& list, std::uint32_t& length)
 {
-    script.calls.push_back("SCardListReaders");
-    script.listLength = length;
-    if (script.listResult != 0)
-        return script.listResult;
     list = &script.readerList[0];
-    length = static_cast<std::uint32_t>(script.readerList.size());
-    return 0;
+    return call("SCardListReaders", context, length);
 }
 
-Result SCardFreeMemory(Context, const void* memory)
+Result SCardFreeMemory(Context context, const void* memory)
 {
-    script.calls.push_back("SCardFreeMemory");
-    script.freed += memory == script.readerList.data() ? 1 : 0;
-    return 0;
+    return call("SCardFreeMemory", context, memory == script.readerList.data() ? "the list" : "?");
 }
 
 } // namespace scard

@@ -1,10 +1,11 @@
-// pcsc and the reader enumeration against scripted PC/SC calls: exact arguments, and the
-// answers a real service cannot be made to give.
+// pcsc and the reader enumeration against scripted PC/SC calls: the arguments the library
+// passes, and the answers a real service cannot be made to give.
 #include <ovo/io/enumeration.h>
 #include <ovo/io/pcsc.h>
 #include <ovo/logger/logger.h>
 
 #include "fakes/scripted_pcsc.h"
+#include "support/failure_of.h"
 #include "support/recording_channel.h"
 
 #include <gtest/gtest.h>
@@ -17,178 +18,130 @@
 using namespace ovo::io;
 using ovo_fake::pcscScript;
 using Bytes = std::vector<unsigned char>;
-using Calls = std::vector<std::string>;
+using Texts = std::vector<std::string>;
+using ovo_test::failureOf;
 
 namespace {
 
-template <typename Call>
-void expectFailure(Call call, const std::string& message)
-{
-    try {
-        call();
-        ADD_FAILURE() << "no exception";
-    } catch (const std::runtime_error& e) {
-        EXPECT_EQ(e.what(), message);
-    }
-}
+const char* const readerA = "Reader A 00 00";
 
 class ScriptedService : public testing::Test {
 protected:
-    void SetUp() override
-    {
-        ovo_fake::resetPcscScript();
-        const std::string name = std::string("pcsc.") + testing::UnitTest::GetInstance()->current_test_info()->name();
-        logger = &ovo::logger::add(name, channel);
-        logger->setLevel(1);
-    }
-
-    std::shared_ptr<ovo_test::RecordingChannel> channel = std::make_shared<ovo_test::RecordingChannel>();
-    ovo::logger::ILogger* logger = nullptr;
+    void SetUp() override { ovo_fake::resetPcscScript(); }
 };
 
 } // namespace
 
-TEST_F(ScriptedService, ContextForTheObjectsLife)
+TEST_F(ScriptedService, EachOperationMakesItsOneCallWithTheSpecifiedArguments)
 {
+    std::vector<unsigned char> atr;
     {
-        pcsc reader("Reader A 00 00");
-        EXPECT_EQ(pcscScript().scope, 0u);
+        pcsc reader(readerA);
+        reader.disconnect();
         reader.connect();
+        reader.connect();
+        reader.exchange(apdu(0x00, 0xA4, 0x04, 0x00));
+        reader.cardStatus(atr);
+        reader.isCardPresented();
+        reader.disconnect();
+        reader.disconnect();
+        reader.connect(); // still connected when destroyed: the context goes, no disconnect
     }
-    // The destructor releases the context and does not disconnect.
-    EXPECT_EQ(pcscScript().calls, (Calls{"SCardEstablishContext", "SCardConnect", "SCardReleaseContext"}));
-    EXPECT_EQ(pcscScript().released, 1);
-
-    ovo_fake::resetPcscScript();
-    pcscScript().establishResult = 0x8010001Du;
-    expectFailure([] { pcsc reader("Reader A 00 00"); }, "SCard error: 0x8010001D");
+    EXPECT_EQ(pcscScript().calls, (Texts{"SCardEstablishContext(0)", "SCardConnect(C0C, Reader A 00 00, 2, 3)",
+                                         "SCardTransmit(CA4D, 1, [00 A4 04 00], 261)", "SCardStatus(CA4D, 200, 33)",
+                                         "SCardGetStatusChange(C0C, 0, Reader A 00 00, 0)", "SCardDisconnect(CA4D, 0)",
+                                         "SCardConnect(C0C, Reader A 00 00, 2, 3)", "SCardReleaseContext(C0C)"}));
 }
 
-TEST_F(ScriptedService, ConnectAndDisconnectOnlyWhenNeeded)
+// Each failure names its call and gives the code in eight digits; the connection stays
+// as it was. A failed exchange is traced both ways, within its buffer whatever length
+// the platform reports.
+TEST_F(ScriptedService, FailuresCarryTheCodeAndLeaveTheStateAlone)
 {
-    pcsc reader("Reader A 00 00", *logger);
-    reader.disconnect();
+    const auto channel = std::make_shared<ovo_test::RecordingChannel>();
+    ovo::logger::ILogger& logger = ovo::logger::add("pcsc.scripted", channel);
+    logger.setLevel(1);
+    std::vector<unsigned char> atr{1, 2, 3};
+    pcsc reader(readerA, logger);
+    EXPECT_EQ(failureOf([&] { reader.cardStatus(atr); }), "not connected");
+    EXPECT_EQ(atr, (Bytes{1, 2, 3}));
+    auto& failures = pcscScript().failures;
+    failures["SCardConnect"] = 0x80100009u;
+    EXPECT_EQ(failureOf([&] { reader.connect(); }), "::SCardConnect() failed: SCard error: 0x80100009");
+    EXPECT_EQ(failureOf([&] { reader.cardStatus(atr); }), "not connected");
+    failures = {{"SCardStatus", 6}, {"SCardTransmit", 0x80100016u}}; // 6: a system code, as Windows may give
     reader.connect();
-    reader.connect();
-    EXPECT_EQ(pcscScript().reader, "Reader A 00 00");
-    EXPECT_EQ(pcscScript().share, 2u);
-    EXPECT_EQ(pcscScript().protocols, 3u);
-    reader.disconnect();
-    reader.disconnect();
-    EXPECT_EQ(pcscScript().disposition, 0u);
-    EXPECT_EQ(pcscScript().calls, (Calls{"SCardEstablishContext", "SCardConnect", "SCardDisconnect"}));
-
-    pcscScript().connectResult = 0x80100009u;
-    expectFailure([&] { reader.connect(); }, "::SCardConnect() failed: SCard error: 0x80100009");
-    expectFailure([&] { std::vector<unsigned char> atr; reader.cardStatus(atr); }, "not connected");
-}
-
-TEST_F(ScriptedService, ExchangeTracesBothWays)
-{
-    pcsc reader("Reader A 00 00", *logger);
-    reader.connect();
-    pcscScript().response = {0x6A, 0x82};
-    const apdu response = reader.exchange(apdu(0x00, 0xA4, 0x04, 0x00));
-    EXPECT_EQ(Bytes(response.raw(), response.raw() + response.size()), (Bytes{0x6A, 0x82}));
-    EXPECT_FALSE(response.isSuccess());
-    EXPECT_EQ(pcscScript().command, (Bytes{0x00, 0xA4, 0x04, 0x00}));
-    EXPECT_EQ(pcscScript().transmitProtocol, 2u);
-    EXPECT_EQ(pcscScript().receiveRoom, 261u);
-    EXPECT_EQ(channel->messages(), (std::vector<std::string>{"-> 00 A4 04 00 ", "<- 6A 82 "}));
-
-    logger->setLevel(0);
-    pcscScript().response = {0x90, 0x00};
-    EXPECT_TRUE(reader.exchange(apdu(0x00, 0xB0, 0x00, 0x00, 0x00)).isSuccess());
-    EXPECT_EQ(channel->messages().size(), 2u);
-}
-
-TEST_F(ScriptedService, EmptyCommandAndFailedTransmit)
-{
-    pcsc reader("Reader A 00 00", *logger);
-    pcscScript().response = {0x67, 0x00};
-    const apdu empty = apdu::fromBuffer(nullptr, 0);
-    EXPECT_EQ(reader.exchange(empty).sw1(), 0x67);
-    EXPECT_TRUE(pcscScript().command.empty());
-    EXPECT_EQ(channel->messages().front(), "-> ");
-
-    // Not connected: the platform's failure, with an over-long length that the trace must
-    // not follow past the buffer.
-    channel = std::make_shared<ovo_test::RecordingChannel>();
-    logger->setChannel(channel);
-    pcscScript().transmitResult = 0x80100016u;
+    EXPECT_EQ(failureOf([&] { reader.cardStatus(atr); }), "::SCardStatus() failed: SCard error: 0x00000006");
     pcscScript().reportedLength = 100000;
     pcscScript().response = Bytes(300, 0xEE);
-    expectFailure([&] { reader.exchange(apdu(0x00, 0xA4, 0x04, 0x00)); },
-                  "::SCardTransmit() failed: SCard error: 0x80100016");
+    EXPECT_EQ(failureOf([&] { reader.exchange(apdu::fromBuffer(nullptr, 0)); }),
+              "::SCardTransmit() failed: SCard error: 0x80100016");
     ASSERT_EQ(channel->messages().size(), 2u);
+    EXPECT_EQ(channel->messages()[0], "-> ");
     EXPECT_EQ(channel->messages()[1].size(), 3u + 261u * 3u);
+    failures = {{"SCardEstablishContext", 0x8010001Du}};
+    EXPECT_EQ(failureOf([] { pcsc other(readerA); }), "SCard error: 0x8010001D");
+    failures = {{"SCardGetStatusChange", 0x8010002Eu}};
+    EXPECT_FALSE(reader.isCardPresented()) << "no answer is no card";
+    EXPECT_EQ(atr, (Bytes{1, 2, 3}));
 }
 
-TEST_F(ScriptedService, CardStatusAndTheAtr)
+TEST_F(ScriptedService, StatesOutsideOneToSixAreUnknownAndAnEmptyAtrKeepsTheVector)
 {
-    pcsc reader("Reader A 00 00");
-    std::vector<unsigned char> atr{1, 2, 3, 4, 5, 6};
-    expectFailure([&] { reader.cardStatus(atr); }, "not connected");
-    EXPECT_EQ(atr.size(), 6u);
-
+    const struct {
+        std::uint32_t state;
+        Bytes atr;
+        CardStatus status;
+        Bytes after;
+    } cases[] = {
+        {1, {0x3B, 0x88}, cardAbsent, {0x3B, 0x88}},         // shorter than before: replaces
+        {6, Bytes(33, 0x3F), cardSpecific, Bytes(33, 0x3F)}, // the longest ATR, whole
+        {7, {}, cardUnknown, Bytes(33, 0x3F)},               // empty: the vector as it was
+        {0, {0x3B}, cardUnknown, {0x3B}},
+        {5, {0x3B}, cardNegotiable, {0x3B}},
+        {100, {0x3B}, cardUnknown, {0x3B}},
+    };
+    pcsc reader(readerA);
     reader.connect();
-    pcscScript().atr = Bytes{0x3B, 0x88};
-    EXPECT_EQ(reader.cardStatus(atr), cardSpecific);
-    EXPECT_EQ(atr, (Bytes{0x3B, 0x88})) << "a shorter ATR replaces the vector";
-    EXPECT_GE(pcscScript().atrRoom, 33u);
-    EXPECT_EQ(pcscScript().nameRoom, 200u);
-
-    pcscScript().atr = Bytes(33, 0x3F); // the longest ATR comes back whole
-    EXPECT_EQ(reader.cardStatus(atr), cardSpecific);
-    EXPECT_EQ(atr, Bytes(33, 0x3F));
-
-    pcscScript().atr = {};
-    pcscScript().cardState = 7;
-    EXPECT_EQ(reader.cardStatus(atr), cardUnknown);
-    EXPECT_EQ(atr, Bytes(33, 0x3F)) << "an empty ATR leaves the vector alone";
-
-    for (std::uint32_t state : {0u, 1u, 2u, 3u, 4u, 5u, 6u, 100u}) {
-        pcscScript().cardState = state;
-        EXPECT_EQ(reader.cardStatus(atr), state <= 6 ? static_cast<CardStatus>(state) : cardUnknown);
+    std::vector<unsigned char> atr{1, 2, 3, 4, 5, 6};
+    for (const auto& c : cases) {
+        pcscScript().cardState = c.state;
+        pcscScript().atr = c.atr;
+        EXPECT_EQ(reader.cardStatus(atr), c.status) << c.state;
+        EXPECT_EQ(atr, c.after) << c.state;
     }
-    pcscScript().statusResult = 0x80100017u;
-    expectFailure([&] { reader.cardStatus(atr); }, "::SCardStatus() failed: SCard error: 0x80100017");
+    for (std::uint32_t event : {0x22u, 0x20u, 0x12u, 0x10u, 0x02u}) {
+        pcscScript().eventState = event;
+        EXPECT_EQ(reader.isCardPresented(), event >= 0x20) << event;
+    }
 }
 
-TEST_F(ScriptedService, CardPresence)
+TEST_F(ScriptedService, EnumerationWalksTheListAndReleasesWhatItTook)
 {
-    pcsc reader("Reader B 01 00");
-    EXPECT_TRUE(reader.isCardPresented());
-    EXPECT_EQ(pcscScript().timeout, 0u);
-    EXPECT_EQ(pcscScript().currentState, 0u);
-    EXPECT_EQ(pcscScript().reader, "Reader B 01 00");
-    pcscScript().eventState = 0x12;
-    EXPECT_FALSE(reader.isCardPresented());
-    pcscScript().eventState = 0x22;
-    pcscScript().statusChangeResult = 0x8010002Eu;
-    EXPECT_FALSE(reader.isCardPresented()) << "a failing status call answers no card";
-}
-
-TEST_F(ScriptedService, Enumeration)
-{
-    EXPECT_EQ(enumeratePCSCDevices(), (std::vector<std::string>{"Reader A 00 00", "Reader B 01 00"}));
-    EXPECT_EQ(pcscScript().listLength, 0xFFFFFFFFu);
-    EXPECT_EQ(pcscScript().freed, 1);
-    EXPECT_EQ(pcscScript().released, 1);
-
-    ovo_fake::resetPcscScript();
-    pcscScript().readerList = std::string(2, '\0');
-    EXPECT_TRUE(enumeratePCSCDevices().empty());
-
-    ovo_fake::resetPcscScript();
-    pcscScript().listResult = 0x8010002Eu;
-    EXPECT_TRUE(enumeratePCSCDevices().empty());
-    EXPECT_EQ(pcscScript().calls, (Calls{"SCardEstablishContext", "SCardListReaders", "SCardReleaseContext"}));
-
-    ovo_fake::resetPcscScript();
-    pcscScript().establishResult = 0x8010001Du;
-    EXPECT_TRUE(enumeratePCSCDevices().empty());
-    EXPECT_EQ(pcscScript().calls, Calls{"SCardEstablishContext"});
-
+    const Texts listed{"SCardEstablishContext(0)", "SCardListReaders(C0C, 4294967295)"};
+    const struct {
+        const char* failing;
+        std::string readerList;
+        Texts readers;
+        Texts calls;
+    } cases[] = {
+        {"",
+         std::string("Reader A 00 00\0Reader B 01 00\0", 31),
+         {readerA, "Reader B 01 00"},
+         {listed[0], listed[1], "SCardFreeMemory(C0C, the list)", "SCardReleaseContext(C0C)"}},
+        {"",
+         std::string(1, '\0'),
+         {},
+         {listed[0], listed[1], "SCardFreeMemory(C0C, the list)", "SCardReleaseContext(C0C)"}},
+        {"SCardListReaders", "", {}, {listed[0], listed[1], "SCardReleaseContext(C0C)"}},
+        {"SCardEstablishContext", "", {}, {listed[0]}},
+    };
+    for (const auto& c : cases) {
+        ovo_fake::resetPcscScript();
+        pcscScript().failures[c.failing] = 0x8010002Eu;
+        pcscScript().readerList = c.readerList;
+        EXPECT_EQ(enumeratePCSCDevices(), c.readers);
+        EXPECT_EQ(pcscScript().calls, c.calls);
+    }
     EXPECT_TRUE(enumerateSerialDevices().empty());
 }

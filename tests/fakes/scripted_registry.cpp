@@ -9,29 +9,31 @@ namespace ovo_fake {
 namespace {
 
 RegistryScript script;
-std::uintptr_t nextKey = 0x4B00;
 
-std::string hex(const void* pointer)
+std::string hex(std::uintptr_t value, const char* format = "%lX")
 {
-    char text[32];
-    std::snprintf(text, sizeof text, "%lx", static_cast<unsigned long>(reinterpret_cast<std::uintptr_t>(pointer)));
+    char text[24];
+    std::snprintf(text, sizeof text, format, static_cast<unsigned long>(value));
     return text;
 }
 
-LONG open(const char* call, HKEY root, LPCSTR subKey, REGSAM access, PHKEY result)
+std::string hex(const void* key) { return hex(reinterpret_cast<std::uintptr_t>(key)); }
+
+LONG call(const std::string& name, HKEY key, const std::string& arguments, LONG result = ERROR_SUCCESS)
 {
-    script.calls.push_back(call);
-    script.openedRoot = hex(root);
-    script.openedKey = subKey;
-    script.openedAccess = access;
-    *result = script.openResult == 0 ? reinterpret_cast<HKEY>(++nextKey) : nullptr;
-    return script.openResult;
+    script.calls.push_back(name + "(" + hex(key) + arguments + ")");
+    return key != nullptr ? result : ERROR_INVALID_HANDLE;
+}
+
+LONG open(const char* name, HKEY root, LPCSTR subKey, REGSAM access, PHKEY result)
+{
+    *result = script.openResult == 0 ? reinterpret_cast<HKEY>(++script.lastKey) : nullptr;
+    return call(name, root, std::string(", ") + subKey + ", " + hex(access), script.openResult);
 }
 
 } // namespace
 
 RegistryScript& registryScript() { return script; }
-
 void resetRegistryScript() { script = RegistryScript(); }
 
 } // namespace ovo_fake
@@ -40,7 +42,8 @@ namespace ovo {
 namespace platform {
 namespace registry {
 
-using ovo_fake::script;
+using ovo_fake::call;
+using ovo_fake::hex;
 
 LONG RegOpenKeyExA(HKEY key, LPCSTR subKey, DWORD, REGSAM access, PHKEY result)
 {
@@ -53,58 +56,37 @@ LONG RegCreateKeyExA(HKEY key, LPCSTR subKey, DWORD, LPSTR, DWORD, REGSAM access
     return ovo_fake::open("RegCreateKeyExA", key, subKey, access, result);
 }
 
-LONG RegCloseKey(HKEY key)
-{
-    script.calls.push_back("RegCloseKey");
-    script.closedKeys.push_back(reinterpret_cast<std::uintptr_t>(key));
-    return ERROR_SUCCESS;
-}
+LONG RegCloseKey(HKEY key) { return call("RegCloseKey", key, ""); }
 
-LONG RegFlushKey(HKEY)
-{
-    script.calls.push_back("RegFlushKey");
-    return ERROR_SUCCESS;
-}
+LONG RegFlushKey(HKEY key) { return call("RegFlushKey", key, ""); }
 
 // As the platform answers: the type and size alone without a buffer, ERROR_MORE_DATA
 // for a buffer too small, the bytes otherwise.
 LONG RegQueryValueExA(HKEY key, LPCSTR name, LPDWORD, LPDWORD type, LPBYTE data, LPDWORD size)
 {
-    script.calls.push_back("RegQueryValueExA");
-    script.querySizes.push_back(size != nullptr ? *size : 0);
-    const auto value = script.values.find(name);
-    if (key == nullptr)
-        return ERROR_INVALID_HANDLE;
-    if (value == script.values.end())
-        return ERROR_FILE_NOT_FOUND;
-    *type = value->second.type;
-    const DWORD length = static_cast<DWORD>(value->second.bytes.size());
-    if (data != nullptr && *size < length) {
-        *size = length;
-        return ERROR_MORE_DATA;
-    }
-    if (data != nullptr)
+    const LONG result =
+        call("RegQueryValueExA", key, std::string(", ") + name + ", " + (data ? std::to_string(*size) : "-"));
+    const auto value = ovo_fake::script.values.find(name);
+    if (result != ERROR_SUCCESS || value == ovo_fake::script.values.end())
+        return result != ERROR_SUCCESS ? result : ERROR_FILE_NOT_FOUND;
+    const auto length = static_cast<DWORD>(value->second.bytes.size());
+    const bool fits = data == nullptr || *size >= length;
+    if (data != nullptr && fits)
         std::memcpy(data, value->second.bytes.data(), length);
+    *type = value->second.type;
     *size = length;
-    return ERROR_SUCCESS;
+    return fits ? ERROR_SUCCESS : ERROR_MORE_DATA;
 }
 
 LONG RegSetValueExA(HKEY key, LPCSTR name, DWORD, DWORD type, const BYTE* data, DWORD size)
 {
-    script.calls.push_back("RegSetValueExA");
-    if (key == nullptr)
-        return ERROR_INVALID_HANDLE;
-    script.values[name] = ovo_fake::StoredValue{type, std::string(reinterpret_cast<const char*>(data), size)};
-    return ERROR_SUCCESS;
+    std::string bytes;
+    for (DWORD i = 0; i < size; ++i)
+        bytes += (i == 0 ? "" : " ") + hex(data[i], "%02lX");
+    return call("RegSetValueExA", key, std::string(", ") + name + ", " + std::to_string(type) + ", [" + bytes + "]");
 }
 
-LONG RegDeleteValueA(HKEY key, LPCSTR name)
-{
-    script.calls.push_back("RegDeleteValueA");
-    if (key == nullptr)
-        return ERROR_INVALID_HANDLE;
-    return script.values.erase(name) != 0 ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
-}
+LONG RegDeleteValueA(HKEY key, LPCSTR name) { return call("RegDeleteValueA", key, std::string(", ") + name); }
 
 } // namespace registry
 } // namespace platform

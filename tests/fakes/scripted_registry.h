@@ -1,6 +1,6 @@
-// Registry calls that play a script, linked in place of the platform's in the library
-// build `ovosystem_scripted_registry`: they record what the library passes and answer
-// from an in-memory table of values.
+// Registry calls that log what the library passes, linked in place of the platform's in
+// the library build `ovosystem_scripted_registry`. Opens give new handles (or the result
+// scripted), reads answer from a table of values.
 #ifndef OVO_TESTS_FAKES_SCRIPTED_REGISTRY_H
 #define OVO_TESTS_FAKES_SCRIPTED_REGISTRY_H
 
@@ -19,16 +19,11 @@ struct StoredValue {
 };
 
 struct RegistryScript {
-    // What the calls answer.
-    std::int32_t openResult = 0;              // open and create fail with it when not 0
-    std::map<std::string, StoredValue> values; // by name, as the platform holds them
-
-    // What the calls were given.
-    std::vector<std::string> calls;         // names in order
-    std::string openedRoot, openedKey;      // root as a number in hex, the key's path
-    std::uint32_t openedAccess = 0;
-    std::vector<std::uintptr_t> closedKeys; // every RegCloseKey
-    std::vector<std::uint32_t> querySizes;  // the size each RegQueryValueExA was given (0 without one)
+    std::int32_t openResult = 0;               // open and create fail with it when not 0
+    std::map<std::string, StoredValue> values; // what reads find, by name
+    std::uintptr_t lastKey = 0x4B00;
+    // The calls in order, as "Name(arguments)": handles and masks in hex, data as its bytes.
+    std::vector<std::string> calls;
 };
 
 OVO_API RegistryScript& registryScript();

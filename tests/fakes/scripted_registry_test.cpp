@@ -1,10 +1,13 @@
-// The registry class's side of each call, against scripted calls that record it.
+// The registry class's side of each call, against scripted calls that log it.
 #include "fakes/scripted_registry.h"
 
 #include <ovo/win32/registry.h>
 #include <ovo/win32/security_attributes.h>
 
 #include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -15,140 +18,128 @@ using Calls = std::vector<std::string>;
 
 const unsigned long keyRead = 0x20019;
 
+// The caller's mask as passed: the 64-bit view added only for a 32-bit process on a
+// 64-bit system.
+std::string passed(unsigned long mask)
+{
+    char text[16];
+    std::snprintf(text, sizeof text, "%lX", mask | (ovo::win32::IsWow64() ? 0x100 : 0));
+    return text;
+}
+
 class ScriptedRegistryTest : public ::testing::Test {
 protected:
     void SetUp() override { ovo_fake::resetRegistryScript(); }
 };
 
-TEST_F(ScriptedRegistryTest, TheAccessIsTheCallersMaskWithTheWideViewOnlyUnderWow64)
+TEST_F(ScriptedRegistryTest, OpensPassTheMaskAndTheBaseABackslashAndTheName)
 {
-    const unsigned long expected = ovo::win32::IsWow64() ? keyRead | 0x100 : keyRead; // false on Linux and Win64
-    registry key(HKEY_CURRENT_USER);
-    ASSERT_TRUE(key.open("Software", keyRead));
-    EXPECT_EQ(registryScript().openedAccess, expected);
-    key.close();
-    ASSERT_TRUE(key.createAndOpen("Software", keyRead));
-    EXPECT_EQ(registryScript().openedAccess, expected);
-    EXPECT_EQ(registryScript().openedRoot, "80000001");
-}
-
-TEST_F(ScriptedRegistryTest, TheKeyNameIsTheBaseABackslashAndTheName)
-{
-    struct Case {
-        const char* base;
-        const char* name;
-        const char* keyName;
+    const struct {
+        const char *base, *name, *keyName;
     } cases[] = {{"Software", "Sub", "Software\\Sub"}, {"", "Sub", "Sub"}, {"A\\", "B", "A\\\\B"}, {"A", "", "A\\"}};
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
+        ovo_fake::resetRegistryScript();
         registry key(HKEY_LOCAL_MACHINE, c.base);
-        key.open(c.name, keyRead);
+        EXPECT_TRUE(key.open(c.name, keyRead));
+        key.close();
+        EXPECT_TRUE(key.createAndOpen(c.name, 0xF003F));
         EXPECT_EQ(key.keyName(), c.keyName);
-        EXPECT_EQ(registryScript().openedKey, c.keyName);
+        const std::string name = c.keyName;
+        EXPECT_EQ(registryScript().calls,
+                  (Calls{"RegOpenKeyExA(80000002, " + name + ", " + passed(keyRead) + ")", "RegCloseKey(4B01)",
+                         "RegCreateKeyExA(80000002, " + name + ", " + passed(0xF003F) + ")"}));
     }
-}
-
-TEST_F(ScriptedRegistryTest, AFailedOpenKeepsTheAttemptedPath)
-{
     registryScript().openResult = 2;
     registry key(HKEY_CURRENT_USER, "Software");
     EXPECT_FALSE(key.open("Missing", keyRead));
-    EXPECT_EQ(key.keyName(), "Software\\Missing");
-    EXPECT_EQ(key.keyHandle(), nullptr);
     EXPECT_FALSE(key.createAndOpen("Missing", keyRead));
+    EXPECT_EQ(key.keyName(), "Software\\Missing") << "the attempted path";
+    EXPECT_EQ(key.keyHandle(), nullptr);
 }
 
-TEST_F(ScriptedRegistryTest, EachKeyIsClosedOnce)
+TEST_F(ScriptedRegistryTest, EachKeyIsClosedOnceByItsHolder)
 {
     {
         registry nothing(HKEY_CURRENT_USER);
+        nothing.close();
     }
-    EXPECT_EQ(registryScript().calls, Calls{}); // nothing open: no call at all
+    EXPECT_EQ(registryScript().calls, Calls{}) << "nothing open: no call at all";
     {
         registry key(HKEY_CURRENT_USER);
         key.open("A", keyRead);
+        key.attach(reinterpret_cast<HKEY>(0x77)); // the open key was the caller's to close first
+        EXPECT_EQ(key.keyName(), "A");
         key.close();
         key.close();
-        key.attach(reinterpret_cast<HKEY>(static_cast<std::uintptr_t>(0x77)));
+        key.attach(reinterpret_cast<HKEY>(0x78));
     }
-    ASSERT_EQ(registryScript().closedKeys.size(), 2u);
-    EXPECT_EQ(registryScript().closedKeys[1], 0x77u); // the attached key, by the destructor
+    EXPECT_EQ(registryScript().calls,
+              (Calls{"RegOpenKeyExA(80000001, A, " + passed(keyRead) + ")", "RegCloseKey(77)", "RegCloseKey(78)"}));
 }
 
-TEST_F(ScriptedRegistryTest, CopiesShareTheKeyAndTheLastOneClosesIt)
+TEST_F(ScriptedRegistryTest, CopiesShareTheKeyAndTheLastHolderClosesIt)
 {
-    for (int order = 0; order < 3; ++order) {
+    for (int firstGone = 0; firstGone < 3; ++firstGone) {
         ovo_fake::resetRegistryScript();
         auto* source = new registry(HKEY_CURRENT_USER);
         source->open("A", keyRead);
-        const HKEY shared = source->keyHandle();
         auto* copy = new registry(*source);
         auto* assigned = new registry(HKEY_CURRENT_USER);
         assigned->open("B", keyRead);
-        const HKEY own = assigned->keyHandle();
         *assigned = *copy; // gives up B, its only holder: closed now
         *assigned = *assigned;
-        ASSERT_EQ(registryScript().closedKeys, std::vector<std::uintptr_t>{reinterpret_cast<std::uintptr_t>(own)});
-        EXPECT_EQ(copy->keyHandle(), shared);
-        registry* objects[3] = {source, copy, assigned};
+        EXPECT_EQ(assigned->keyHandle(), source->keyHandle());
+        registry* holders[3] = {source, copy, assigned};
         for (int i = 0; i < 3; ++i) {
-            registry* next = objects[(i + order) % 3];
+            registry* next = holders[(i + firstGone) % 3];
             if (i == 1)
                 next->close(); // a close is a destruction's share too
             delete next;
-            EXPECT_EQ(registryScript().closedKeys.size(), i < 2 ? 1u : 2u);
+            EXPECT_EQ(registryScript().calls.size(), i < 2 ? 3u : 4u) << "closed before its last holder let go";
         }
-        EXPECT_EQ(registryScript().closedKeys.back(), reinterpret_cast<std::uintptr_t>(shared));
+        EXPECT_EQ(registryScript().calls, (Calls{"RegOpenKeyExA(80000001, A, " + passed(keyRead) + ")",
+                                                 "RegOpenKeyExA(80000001, B, " + passed(keyRead) + ")",
+                                                 "RegCloseKey(4B02)", "RegCloseKey(4B01)"}));
     }
 }
 
-TEST_F(ScriptedRegistryTest, StringsReadOnlyFromTextValues)
-{
-    auto& values = registryScript().values;
-    values["empty"] = {1, ""};                 // REG_SZ written with size 0
-    values["dword"] = {4, std::string("\x07\0\0\0", 4)};
-    values["expand"] = {2, std::string("%PATH%\0", 7)};
-    values["unterminated"] = {1, "abc"};
-    values["binary"] = {3, "abc"};
-    registry key(HKEY_CURRENT_USER);
-    key.open("K", keyRead);
-    EXPECT_EQ(key.queryStringValue("empty", "default"), "");
-    EXPECT_EQ(key.queryStringValue("dword", "default"), "default");
-    EXPECT_EQ(key.queryStringValue("binary", "default"), "default");
-    EXPECT_EQ(key.queryStringValue("missing", "default"), "default");
-    EXPECT_EQ(key.queryStringValue("expand", "default"), "%PATH%"); // not expanded
-    EXPECT_EQ(key.queryStringValue("unterminated", "default"), "abc");
-    EXPECT_EQ(key.queryDWORDValue("dword", 9), 7u);
-    EXPECT_EQ(registryScript().querySizes.back(), 4u);
-    EXPECT_EQ(key.queryDWORDValue("expand", 9), 9u); // longer than 4 bytes: the default
-    EXPECT_EQ(key.queryDWORDValue("unterminated", 9), 0x636261u); // any type of at most 4 bytes
-}
-
-TEST_F(ScriptedRegistryTest, WritesGiveTheTypeAndSize)
+TEST_F(ScriptedRegistryTest, ValuesGoWithTheirTypeAndSizeAndFailedReadsGiveTheDefault)
 {
     registry key(HKEY_CURRENT_USER);
     key.createAndOpen("K", 0xF003F);
+    registryScript().calls.clear();
     key.setStringValue("text", "");
     key.setStringValue("word", "ab");
     key.setDWORDValue("number", 0x01020304);
-    auto& values = registryScript().values;
-    EXPECT_EQ(values["text"].type, 1u);
-    EXPECT_EQ(values["text"].bytes, std::string(1, '\0'));
-    EXPECT_EQ(values["word"].bytes, std::string("ab\0", 3));
-    EXPECT_EQ(values["number"].type, 4u);
-    EXPECT_EQ(values["number"].bytes, std::string("\x04\x03\x02\x01", 4));
+    EXPECT_EQ(key.queryDWORDValue("number", 9), 9u);
+    EXPECT_EQ(key.queryStringValue("word", "d"), "d");
     key.deleteValue("word");
-    EXPECT_EQ(values.count("word"), 0u);
     key.flush();
-    EXPECT_EQ(registryScript().calls.back(), "RegFlushKey");
+    EXPECT_EQ(registryScript().calls,
+              (Calls{"RegSetValueExA(4B01, text, 1, [00])", "RegSetValueExA(4B01, word, 1, [61 62 00])",
+                     "RegSetValueExA(4B01, number, 4, [04 03 02 01])", "RegQueryValueExA(4B01, number, 4)",
+                     "RegQueryValueExA(4B01, word, -)", "RegDeleteValueA(4B01, word)", "RegFlushKey(4B01)"}));
 }
 
-TEST_F(ScriptedRegistryTest, WithoutAKeyReadsGiveTheDefaultAndWritesDoNothing)
+TEST_F(ScriptedRegistryTest, TextComesOnlyFromTextTypesAndNumbersFromAtMostFourBytes)
 {
-    const registry key(HKEY_CURRENT_USER);
-    EXPECT_EQ(key.queryDWORDValue("n", 5), 5u);
-    EXPECT_EQ(key.queryStringValue("s", "d"), "d");
-    key.setDWORDValue("n", 1);
-    EXPECT_TRUE(registryScript().values.empty());
+    registryScript().values = {{"number", {4, std::string("\x07\0\0\0", 4)}},
+                               {"short", {3, "ab"}},
+                               {"expand", {2, "%PATH%"}}, // without its NUL, and not expanded
+                               {"empty", {1, ""}}};       // written with size 0: empty, not missing
+    registry key(HKEY_CURRENT_USER);
+    EXPECT_EQ(key.queryDWORDValue("number", 9), 9u) << "no key open";
+    key.open("K", keyRead);
+    const struct {
+        const char* name;
+        const char* text;
+        unsigned long number;
+    } cases[] = {
+        {"number", "d", 7}, {"short", "d", 0x6261}, {"expand", "%PATH%", 9}, {"empty", "", 0}, {"missing", "d", 9}};
+    for (const auto& c : cases) {
+        EXPECT_EQ(key.queryStringValue(c.name, "d"), c.text) << c.name;
+        EXPECT_EQ(key.queryDWORDValue(c.name, 9), c.number) << c.name;
+    }
 }
 
 } // namespace

@@ -2,139 +2,109 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <cstdint>
 #include <vector>
 
 namespace {
 
 using ovo::win32::SECURITY_ATTRIBUTES;
 using ovo::win32::SecurityAttributes;
+using Bytes = std::vector<std::uint8_t>;
 
-// The records as Windows lays them out (an absolute descriptor), read byte by byte.
+// The descriptor as the platform lays it out (absolute form): a header, then pointers.
 struct DescriptorView {
-    std::uint8_t revision;
-    std::uint8_t sbz1;
+    std::uint8_t revision, sbz1;
     std::uint16_t control;
-    void* owner;
-    void* group;
-    void* sacl;
-    void* dacl;
+    const void *owner, *group, *sacl;
+    const std::uint8_t* dacl;
 };
 
-struct Entry {
-    std::uint8_t aceType;
-    std::uint32_t mask;
-    std::vector<std::uint8_t> authority;
-    std::vector<std::uint32_t> subAuthorities;
-};
-
-// The descriptor's one entry, as found in its access list.
-Entry onlyEntry(SECURITY_ATTRIBUTES* record, std::uint16_t& aceCount)
+const DescriptorView& descriptorOf(SecurityAttributes& attributes)
 {
-    const auto* descriptor = static_cast<const DescriptorView*>(record->lpSecurityDescriptor);
-    const auto* acl = static_cast<const std::uint8_t*>(descriptor->dacl);
-    std::memcpy(&aceCount, acl + 4, 2);
-    const std::uint8_t* ace = acl + 8;
-    Entry entry;
-    entry.aceType = ace[0];
-    std::memcpy(&entry.mask, ace + 4, 4);
-    const std::uint8_t* sid = ace + 8;
-    entry.authority.assign(sid + 2, sid + 8);
-    for (std::uint8_t i = 0; i < sid[1]; ++i) {
-        std::uint32_t sub;
-        std::memcpy(&sub, sid + 8 + 4 * i, 4);
-        entry.subAuthorities.push_back(sub);
-    }
+    return *static_cast<const DescriptorView*>(static_cast<SECURITY_ATTRIBUTES*>(attributes)->lpSecurityDescriptor);
+}
+
+// The access list's one entry, byte for byte: type, flags, size, mask, the identifier.
+Bytes onlyEntryOf(SecurityAttributes& attributes)
+{
+    const std::uint8_t* acl = descriptorOf(attributes).dacl;
+    EXPECT_EQ(acl[0], 2) << "list revision";
+    EXPECT_EQ(acl[4] | acl[5] << 8, 1) << "entries";
+    const std::uint8_t* entry = acl + 8;
+    return Bytes(entry, entry + (entry[2] | entry[3] << 8));
+}
+
+// An allowing entry, not inherited, for an identifier of revision 1 under the authority
+// 0.0.0.0.0.authority.
+Bytes allowingEntry(std::uint32_t mask, std::uint8_t authority, const std::vector<std::uint32_t>& subAuthorities)
+{
+    const auto count = static_cast<std::uint8_t>(subAuthorities.size());
+    Bytes entry{0, 0, static_cast<std::uint8_t>(16 + 4 * count), 0};
+    auto append = [&entry](std::uint32_t word) {
+        for (int shift = 0; shift < 32; shift += 8)
+            entry.push_back(static_cast<std::uint8_t>(word >> shift));
+    };
+    append(mask);
+    entry.insert(entry.end(), {1, count, 0, 0, 0, 0, 0, authority});
+    for (std::uint32_t part : subAuthorities)
+        append(part);
     return entry;
 }
 
-struct Kind {
-    SecurityAttributes::SA_Predefined kind;
-    unsigned long mask;
-    std::vector<std::uint8_t> authority;
-    std::vector<std::uint32_t> subAuthorities;
-};
-
-TEST(SecurityAttributesTest, TheRecordHoldsOneEntryForTheGroup)
+TEST(SecurityAttributesTest, TheRecordHoldsADescriptorWithOneEntryForTheGroup)
 {
-    const Kind kinds[] = {
-        {SecurityAttributes::SA_World, 0x100000, {0, 0, 0, 0, 0, 1}, {0}},
-        {SecurityAttributes::SA_World, 0x2001F, {0, 0, 0, 0, 0, 1}, {0}},
-        {SecurityAttributes::SA_Admin, 0x1F0001, {0, 0, 0, 0, 0, 5}, {32, 544}},
-        {static_cast<SecurityAttributes::SA_Predefined>(7), 0x1, {0, 0, 0, 0, 0, 5}, {32, 544}}, // not 0: administrators
+    const struct {
+        int kind;
+        std::uint32_t mask;
+        Bytes entry;
+    } cases[] = {
+        {SecurityAttributes::SA_World, 0x100000, allowingEntry(0x100000, 1, {0})},
+        {SecurityAttributes::SA_World, 0x2001F, allowingEntry(0x2001F, 1, {0})},
+        {SecurityAttributes::SA_Admin, 0x1F0001, allowingEntry(0x1F0001, 5, {32, 544})},
+        {7, 0x1, allowingEntry(0x1, 5, {32, 544})}, // any kind but 0: the administrators
     };
-    for (const Kind& kind : kinds) {
-        SCOPED_TRACE(kind.mask);
-        SecurityAttributes attributes(kind.kind, kind.mask);
-        SECURITY_ATTRIBUTES* record = attributes;
+    for (const auto& c : cases) {
+        SecurityAttributes attributes(static_cast<SecurityAttributes::SA_Predefined>(c.kind), c.mask);
+        const SECURITY_ATTRIBUTES* record = attributes;
         EXPECT_EQ(record->nLength, sizeof(SECURITY_ATTRIBUTES)); // 12 on 32-bit Windows
         EXPECT_EQ(record->bInheritHandle, 0);
-        ASSERT_NE(record->lpSecurityDescriptor, nullptr);
-        const auto* descriptor = static_cast<const DescriptorView*>(record->lpSecurityDescriptor);
-        EXPECT_EQ(descriptor->revision, 1);
-        EXPECT_NE(descriptor->control & 0x0004, 0); // an access list is present
-        EXPECT_EQ(descriptor->owner, nullptr);
-        EXPECT_EQ(descriptor->group, nullptr);
-        ASSERT_NE(descriptor->dacl, nullptr);
-        std::uint16_t aceCount = 0;
-        const Entry entry = onlyEntry(record, aceCount);
-        EXPECT_EQ(aceCount, 1);
-        EXPECT_EQ(entry.aceType, 0); // allowing
-        EXPECT_EQ(entry.mask, kind.mask);
-        EXPECT_EQ(entry.authority, kind.authority);
-        EXPECT_EQ(entry.subAuthorities, kind.subAuthorities);
+        const DescriptorView& descriptor = descriptorOf(attributes);
+        EXPECT_EQ(descriptor.revision, 1);
+        EXPECT_EQ(descriptor.control, 0x0004) << "a list, present and not defaulted, and nothing else";
+        EXPECT_EQ(descriptor.owner, nullptr);
+        EXPECT_EQ(descriptor.group, nullptr);
+        EXPECT_EQ(descriptor.sacl, nullptr);
+        ASSERT_NE(descriptor.dacl, nullptr);
+        EXPECT_EQ(onlyEntryOf(attributes), c.entry) << c.kind << " " << c.mask;
+        const auto *object = reinterpret_cast<const char*>(&attributes), *at = reinterpret_cast<const char*>(record);
+        EXPECT_TRUE(at >= object && at < object + sizeof attributes) << "the record lives in the object";
     }
 }
 
-TEST(SecurityAttributesTest, TheRecordLivesInTheObject)
+// Assigned copies name one set; it is released once, by the last holder, in any order
+// (the sanitizer build finds a double or a missing release).
+TEST(SecurityAttributesTest, AssignedCopiesReleaseTheirSetOnce)
 {
-    SecurityAttributes attributes(SecurityAttributes::SA_World, 0x100000);
-    SECURITY_ATTRIBUTES* record = attributes;
-    const auto* object = reinterpret_cast<const char*>(&attributes);
-    EXPECT_GE(reinterpret_cast<const char*>(record), object);
-    EXPECT_LT(reinterpret_cast<const char*>(record), object + sizeof attributes);
-}
-
-// Copies name one set of records; each is released once whatever the order (the
-// sanitizer build finds a double or a missing release).
-TEST(SecurityAttributesTest, AssignedCopiesReleaseEachRecordOnce)
-{
-    for (int order = 0; order < 2; ++order) {
-        auto* source = new SecurityAttributes(SecurityAttributes::SA_World, 0x100000);
-        auto* target = new SecurityAttributes(SecurityAttributes::SA_Admin, 0x1);
-        auto* third = new SecurityAttributes(SecurityAttributes::SA_Admin, 0x2);
-        *target = *source;
-        *third = *target;
-        *third = *third;
-        *target = *source; // the same set again
-        EXPECT_EQ(static_cast<SECURITY_ATTRIBUTES*>(*target)->lpSecurityDescriptor,
-                  static_cast<SECURITY_ATTRIBUTES*>(*source)->lpSecurityDescriptor);
-        std::uint16_t aceCount = 0;
-        if (order == 0) {
-            delete source;
-            EXPECT_EQ(onlyEntry(*target, aceCount).mask, 0x100000u); // still there for the others
-            delete target;
-            EXPECT_EQ(onlyEntry(*third, aceCount).mask, 0x100000u);
-            delete third;
-        } else {
-            delete third;
-            delete target;
-            EXPECT_EQ(onlyEntry(*source, aceCount).mask, 0x100000u);
-            delete source;
-        }
+    const Bytes worldEntry = allowingEntry(0x100000, 1, {0});
+    for (int firstGone = 0; firstGone < 3; ++firstGone) {
+        SecurityAttributes* holders[3] = {new SecurityAttributes(SecurityAttributes::SA_World, 0x100000),
+                                          new SecurityAttributes(SecurityAttributes::SA_Admin, 0x1),
+                                          new SecurityAttributes(SecurityAttributes::SA_Admin, 0x2)};
+        *holders[1] = *holders[0];
+        *holders[2] = *holders[1];
+        *holders[2] = *holders[2];
+        *holders[1] = *holders[0]; // the same set again
+        delete holders[firstGone];
+        for (int i = 0; i < 3; ++i)
+            if (i != firstGone) {
+                EXPECT_EQ(onlyEntryOf(*holders[i]), worldEntry); // still there for the others
+                delete holders[i];
+            }
     }
 }
 
-TEST(IsWow64Test, A64BitOrNativeProcessIsNotUnderWow64)
-{
-    // A 32-bit build running on 64-bit Windows is the one case that answers true.
-#if defined(_WIN32) && !defined(_WIN64)
-    BOOL wow64 = FALSE;
-    IsWow64Process(GetCurrentProcess(), &wow64);
-    EXPECT_EQ(ovo::win32::IsWow64(), wow64 == TRUE);
-#else
-    EXPECT_FALSE(ovo::win32::IsWow64());
+#if !defined(_WIN32) || defined(_WIN64)
+TEST(IsWow64Test, ANativeProcessIsNotUnderWow64) { EXPECT_FALSE(ovo::win32::IsWow64()); }
 #endif
-}
 
 } // namespace
