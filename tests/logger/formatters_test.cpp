@@ -98,17 +98,6 @@ TEST(SimpleFormatter, LayoutToTheByte)
         EXPECT_EQ(formatBehindStamp(c.name, c.message), c.behindStamp) << "message [" << c.message << "]";
 }
 
-TEST(SimpleFormatter, StampHasFixedColumns)
-{
-    const std::string text = SimpleFormatter().format("x", "y");
-    ASSERT_GE(text.size(), 13u);
-    for (std::size_t i : {0u, 1u, 3u, 4u, 6u, 7u, 9u, 10u, 11u})
-        EXPECT_TRUE(text[i] >= '0' && text[i] <= '9') << text;
-    EXPECT_EQ(text[2], ':');
-    EXPECT_EQ(text[5], ':');
-    EXPECT_EQ(text[8], '.');
-}
-
 TEST(SimpleFormatter, FollowsATimeZoneChangeWithinASecond)
 {
     const char* saved = std::getenv("TZ");
@@ -138,17 +127,15 @@ TEST(SimpleFormatter, ManyThreadsAtOnce)
 {
     SimpleFormatter formatter;
     std::vector<std::thread> threads;
-    std::vector<int> bad(8, 0);
+    std::vector<int> wrong(8, 0);
     for (int t = 0; t < 8; ++t)
         threads.emplace_back([&, t] {
             const std::string name = "thread" + std::to_string(t);
-            for (int i = 0; i < 2000; ++i) {
-                const std::string text = formatter.format(name, "line\nmore");
-                if (text.size() != 13 + 1 + 16 + 2 + 4 + 1 + 32 + 4 + 1 || text.compare(12, 9, " [thread" + std::to_string(t)) != 0)
-                    ++bad[t];
-            }
+            const std::string expected = " [" + name + "         ] line\n" + std::string(32, ' ') + "more\n";
+            for (int i = 0; i < 2000; ++i)
+                wrong[t] += formatter.format(name, "line\nmore").substr(12) != expected ? 1 : 0;
         });
     for (auto& thread : threads)
         thread.join();
-    EXPECT_EQ(bad, std::vector<int>(8, 0));
+    EXPECT_EQ(wrong, std::vector<int>(8, 0));
 }

@@ -7,60 +7,49 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
 
 namespace lg = ovo::logger;
 using ovo_test::RecordingChannel;
 
-TEST(Registry, SameNameGivesSameObjectAndCaseCounts)
+TEST(Registry, OneObjectPerExactName)
 {
     EXPECT_EQ(&lg::get("reg.same"), &lg::get("reg.same"));
     EXPECT_NE(&lg::get("reg.Case"), &lg::get("reg.case"));
     EXPECT_EQ(&lg::root(), &lg::get(""));
     EXPECT_EQ(&lg::null(), &lg::get("null"));
     EXPECT_NE(&lg::root(), &lg::null());
+    EXPECT_EQ(lg::get(".lonely").channel(), lg::root().channel()) << "a dot in first place cuts to the root";
 }
 
-TEST(Registry, DerivedLoggerCopiesChannelAndLevelOnce)
+TEST(Registry, GetCopiesChannelAndLevelOfTheNearestRegisteredAncestorOnce)
 {
-    auto channel = std::make_shared<RecordingChannel>();
-    lg::ILogger& parent = lg::add("derive", channel);
+    auto top = std::make_shared<RecordingChannel>();
+    lg::ILogger& parent = lg::add("near", top);
     parent.setLevel(3);
-    lg::ILogger& child = lg::get("derive.child");
-    EXPECT_EQ(child.channel(), channel);
-    EXPECT_EQ(child.level(), 3);
+    lg::ILogger& deep = lg::get("near.b.c");
+    EXPECT_EQ(deep.channel(), top);
+    EXPECT_EQ(deep.level(), 3);
 
     parent.setLevel(-1);
     parent.setChannel(std::make_shared<RecordingChannel>());
-    EXPECT_EQ(child.level(), 3);
-    EXPECT_EQ(child.channel(), channel);
-    child.setLevel(0);
+    EXPECT_EQ(deep.level(), 3);
+    EXPECT_EQ(deep.channel(), top);
+    deep.setLevel(0);
     EXPECT_EQ(parent.level(), -1);
 
-    child.info("from child");
-    EXPECT_EQ(channel->entries(), (std::vector<RecordingChannel::Entry>{{"derive.child", "from child"}}));
-}
-
-TEST(Registry, NearestRegisteredAncestorWinsAndNothingBetweenIsMade)
-{
-    auto top = std::make_shared<RecordingChannel>();
-    lg::add("near", top).setLevel(2);
-    lg::ILogger& deep = lg::get("near.b.c.d");
-    EXPECT_EQ(deep.channel(), top);
-    EXPECT_EQ(deep.level(), 2);
-
-    // near.b was not made by that search: a logger added under it now is the table's.
+    // near.b was not made by that search: a logger added under it now is the table's,
+    // and later names below it derive from it.
     auto middle = std::make_shared<RecordingChannel>();
     lg::ILogger& added = lg::add("near.b", middle);
+    EXPECT_EQ(added.level(), 0) << "add does not inherit";
     EXPECT_EQ(&lg::get("near.b"), &added);
-    EXPECT_EQ(lg::get("near.b.x").channel(), middle);
-    EXPECT_EQ(lg::get("near.b.c.d").channel(), top); // made earlier, keeps its copy
-}
-
-TEST(Registry, AddDoesNotInherit)
-{
-    lg::add("noinherit", std::make_shared<RecordingChannel>()).setLevel(5);
-    lg::ILogger& added = lg::add("noinherit.child", std::make_shared<RecordingChannel>());
-    EXPECT_EQ(added.level(), 0);
+    EXPECT_EQ(lg::get("near.b.x.y").channel(), middle);
+    lg::get("near.b.c").info("from deep");
+    EXPECT_EQ(top->entries(), (std::vector<RecordingChannel::Entry>{{"near.b.c", "from deep"}}));
 }
 
 TEST(Registry, AddOfATakenNameLeavesTheTableAlone)
@@ -71,27 +60,38 @@ TEST(Registry, AddOfATakenNameLeavesTheTableAlone)
     lg::ILogger& outsider = lg::add("taken", second);
     EXPECT_NE(&registered, &outsider);
     EXPECT_EQ(&lg::get("taken"), &registered);
-    EXPECT_EQ(lg::get("taken").channel(), first);
     outsider.info("still works");
     EXPECT_EQ(second->messages(), std::vector<std::string>{"still works"});
     EXPECT_TRUE(first->messages().empty());
 }
 
-TEST(Registry, DotFirstNameDerivesFromRoot)
+TEST(Registry, ConcurrentGetAndAddAgreeOnOneObjectPerName)
 {
-    lg::ILogger& dotted = lg::get(".lonely");
-    EXPECT_EQ(dotted.channel(), lg::root().channel());
-}
+    const int threadCount = 8;
+    const int nameCount = 200;
+    auto getName = [](int n) { return "threads.get." + std::to_string(n % 10) + "." + std::to_string(n); };
+    auto addName = [](int n) { return "threads.add." + std::to_string(n); };
+    std::vector<std::vector<lg::ILogger*>> byGet(threadCount), byAdd(threadCount);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < threadCount; ++t)
+        threads.emplace_back([&, t] {
+            for (int n = 0; n < nameCount; ++n) {
+                byGet[t].push_back(&lg::get(getName(n))); // the ancestor walk runs while others insert
+                byAdd[t].push_back(&lg::add(addName(n), std::make_shared<RecordingChannel>()));
+            }
+        });
+    for (auto& thread : threads)
+        thread.join();
 
-TEST(Registry, NullChannelIgnoresPropertiesAndMessages)
-{
-    lg::ILogger& logger = lg::null();
-    ASSERT_NE(logger.channel(), nullptr);
-    logger.channel()->setProperty("rolling_header", "x");
-    logger.channel()->setProperty("", "");
-    logger.setLevel(1);
-    logger.trace("nowhere");
-    const unsigned char byte = 0;
-    logger.traceHex("nowhere", &byte, 1);
-    logger.setLevel(0);
+    for (int n = 0; n < nameCount; ++n) {
+        std::set<lg::ILogger*> added;
+        int addsThatGotTheTablesLogger = 0;
+        for (int t = 0; t < threadCount; ++t) {
+            EXPECT_EQ(byGet[t][n], &lg::get(getName(n))) << n;
+            added.insert(byAdd[t][n]);
+            addsThatGotTheTablesLogger += byAdd[t][n] == &lg::get(addName(n)) ? 1 : 0;
+        }
+        EXPECT_EQ(added.size(), static_cast<std::size_t>(threadCount)) << "each add makes its own logger";
+        EXPECT_EQ(addsThatGotTheTablesLogger, 1) << "exactly one add registered name " << n;
+    }
 }
