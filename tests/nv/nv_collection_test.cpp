@@ -105,25 +105,20 @@ TEST(NvCollection, CopiesAreDeepAndMovesEmptyTheSource)
     ovo::nvCollection original("a=1", ";", "=");
     ovo::nvCollection copy(original);
     copy.setString("a", "2");
-    original.setString("b", "3");
-    EXPECT_EQ(entriesOf(original), (Pairs{{"a", "1"}, {"b", "3"}}));
-    EXPECT_EQ(entriesOf(copy), (Pairs{{"a", "2"}}));
-
-    ovo::nvCollection moved(std::move(original));
-    EXPECT_EQ(original.size(), 0u); // NOLINT: a moved-from collection is valid and empty
-    original.setString("again", "x");
-    EXPECT_EQ(original.size(), 1u);
-
     ovo::nvCollection target("old=gone", ";", "=");
     target = copy;
-    EXPECT_EQ(entriesOf(target), (Pairs{{"a", "2"}}));
+    target.setString("b", "3");
+    EXPECT_EQ(entriesOf(original), (Pairs{{"a", "1"}}));
+    EXPECT_EQ(entriesOf(copy), (Pairs{{"a", "2"}}));
+
+    ovo::nvCollection moved(std::move(target));
+    EXPECT_EQ(target.size(), 0u); // NOLINT: a moved-from collection is valid and empty
     target = std::move(moved);
-    EXPECT_EQ(entriesOf(target), (Pairs{{"a", "1"}, {"b", "3"}}));
     EXPECT_EQ(moved.size(), 0u); // NOLINT
     ovo::nvCollection& alias = target;
     target = alias;
     target = std::move(alias);
-    EXPECT_EQ(entriesOf(target), (Pairs{{"a", "1"}, {"b", "3"}}));
+    EXPECT_EQ(entriesOf(target), (Pairs{{"a", "2"}, {"b", "3"}}));
 }
 
 TEST(NvText, LoadCutsPairsThenNameAndValue)

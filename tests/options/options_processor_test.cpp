@@ -85,32 +85,21 @@ TEST(OptionsProcessor, CountsWordsThatTheirValueObjectAccepted)
     EXPECT_EQ(accepting.received.back(), "before");
 }
 
-TEST(OptionsProcessor, FirstMatchingEntryWinsEvenWithoutValueObject)
+TEST(OptionsProcessor, FirstEntryWithAnEqualFormWinsEvenWithoutValueObject)
 {
     OptionsProcessor options;
-    Recorder first;
-    Recorder shadowed;
-    Recorder afterNull;
+    Recorder first, shadowed, afterNull, longOnly, shortOnly;
     options.add("d", "dup", "", &first);
     options.add("d", "dup", "", &shadowed);
     options.add("n", "null", "", nullptr);
     options.add("n", "", &afterNull);
-    EXPECT_EQ(options.process(withProgram({"-d", "--dup=x", "-n", "--null"})), 2);
-    EXPECT_EQ(first.received, (Words{"", "x"}));
-    EXPECT_TRUE(shadowed.received.empty());
-    EXPECT_TRUE(afterNull.received.empty());
-}
-
-TEST(OptionsProcessor, EmptyNamesReachTheFirstEmptyForm)
-{
-    OptionsProcessor options;
-    Recorder longOnly;
-    Recorder shortOnly;
-    options.add("", "long", "", &longOnly);  // its short form is empty
+    options.add("", "long", "", &longOnly); // its short form is empty: it takes the empty names
     options.add("s", "no long name", &shortOnly);
-    EXPECT_EQ(options.process(withProgram({"=5", "", "=x=y", "-"})), 3);
+    EXPECT_EQ(options.process(withProgram({"-d", "--dup=x", "-n", "--null", "=5", "", "=x=y", "-"})), 5);
+    EXPECT_EQ(first.received, (Words{"", "x"}));
     EXPECT_EQ(longOnly.received, (Words{"5", "", "x=y"}));
-    EXPECT_TRUE(shortOnly.received.empty());
+    for (const Recorder* unreached : {&shadowed, &afterNull, &shortOnly})
+        EXPECT_TRUE(unreached->received.empty());
 }
 
 TEST(OptionsProcessor, WordsAreCStrings)
