@@ -92,7 +92,7 @@ TEST(OptionsProcessor, FirstEntryWithAnEqualFormWinsEvenWithoutValueObject)
     options.add("d", "dup", "", &first);
     options.add("d", "dup", "", &shadowed);
     options.add("n", "null", "", nullptr);
-    options.add("n", "", &afterNull);
+    options.add("n", "nn", "", &afterNull);
     options.add("", "long", "", &longOnly); // its short form is empty: it takes the empty names
     options.add("s", "no long name", &shortOnly);
     EXPECT_EQ(options.process(withProgram({"-d", "--dup=x", "-n", "--null", "=5", "", "=x=y", "-"})), 5);
