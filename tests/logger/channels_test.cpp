@@ -89,11 +89,12 @@ TEST(ConsoleLogChannel, LinesOfManyThreadsNeverMix)
     channel.setFormatter(std::make_shared<SimpleFormatter>());
     const int threadCount = 8;
     const int perThread = 300;
+    const std::string tail(4000, '+'); // a long copy into the stream widens any window for a race
     std::vector<std::thread> threads;
     for (int t = 0; t < threadCount; ++t)
         threads.emplace_back([&, t] {
             for (int i = 0; i < perThread; ++i)
-                channel.write("t" + std::to_string(t), std::to_string(i) + " of " + std::to_string(t) + "\nmore");
+                channel.write("t" + std::to_string(t), std::to_string(i) + " of " + std::to_string(t) + "\n" + tail);
         });
     for (auto& thread : threads)
         thread.join();
@@ -108,7 +109,7 @@ TEST(ConsoleLogChannel, LinesOfManyThreadsNeverMix)
         ASSERT_TRUE(std::regex_match(first, parts, firstLine)) << first;
         ASSERT_EQ(parts[3], parts[1]);
         EXPECT_EQ(std::stoi(parts[2]), nextOfThread[std::stoi(parts[1])]++);
-        EXPECT_EQ(second, std::string(32, ' ') + "more");
+        EXPECT_EQ(second, std::string(32, ' ') + tail);
     }
     EXPECT_EQ(count, threadCount * perThread);
 }
