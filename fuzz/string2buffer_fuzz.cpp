@@ -1,5 +1,6 @@
 // Properties: bytes survive both hex forms and back; any text either fails with the
-// documented exception or gives (n + 1) / 2 bytes that print back as the text.
+// documented exception or gives (n + 1) / 2 bytes that print back as the text; a dump
+// has (4w + 3) characters a line, less the last line feed.
 #include <ovo/number_formatter.h>
 #include <ovo/strings.h>
 
@@ -23,19 +24,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string text(reinterpret_cast<const char*>(data), size);
     try {
         const std::vector<unsigned char> parsed = nf::string2buffer(text);
-        FUZZ_CHECK(parsed.size() == (size + 1) / 2);
         const std::string padded = size % 2 != 0 ? "0" + text : text;
-        FUZZ_CHECK(nf::buffer2stringL(parsed.data(), static_cast<unsigned int>(parsed.size())) ==
-                   ovo::toLower(padded));
+        FUZZ_CHECK(nf::buffer2stringL(parsed.data(), static_cast<unsigned int>(parsed.size())) == ovo::toLower(padded));
     } catch (const std::runtime_error& e) {
         FUZZ_CHECK(std::string(e.what()).rfind("invalid hex char '", 0) == 0);
     }
 
     if (size > 0) {
-        const int perLine = 1 + data[0] % 32;
-        const std::string dump = nf::formatBuffer(data, count, perLine);
+        const std::size_t perLine = 1 + data[0] % 32;
         const std::size_t lines = (size + perLine - 1) / perLine;
-        FUZZ_CHECK(dump.size() == (4 * static_cast<std::size_t>(perLine) + 3) * lines - 1);
+        FUZZ_CHECK(nf::formatBuffer(data, count, static_cast<int>(perLine)).size() == (4 * perLine + 3) * lines - 1);
     }
     return 0;
 }

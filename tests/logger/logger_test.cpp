@@ -5,10 +5,13 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <set>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
+namespace lg = ovo::logger;
 using ovo_test::RecordingChannel;
 using Messages = std::vector<std::string>;
 
@@ -16,20 +19,10 @@ namespace {
 
 // A logger of its own for each test, registered with a recording channel at level 0.
 struct LoggerFixture : testing::Test {
+    const std::string name =
+        std::string("logger_test.") + testing::UnitTest::GetInstance()->current_test_info()->name();
     std::shared_ptr<RecordingChannel> channel = std::make_shared<RecordingChannel>();
-    ovo::logger::ILogger& logger = ovo::logger::add(
-        std::string("logger_test.") + testing::UnitTest::GetInstance()->current_test_info()->name(), channel);
-
-    void sendAll()
-    {
-        const unsigned char byte = 0xAB;
-        logger.info("i");
-        logger.infoDump("id", &byte, 1);
-        logger.infoHex("ih", &byte, 1);
-        logger.trace("t");
-        logger.traceDump("td", &byte, 1);
-        logger.traceHex("th", &byte, 1);
-    }
+    lg::ILogger& logger = lg::add(name, channel);
 };
 
 const std::string dumpOfAB = "AB" + std::string(46, ' ') + "| ." + std::string(15, ' ');
@@ -38,49 +31,51 @@ const std::string dumpOfAB = "AB" + std::string(46, ' ') + "| ." + std::string(1
 
 TEST_F(LoggerFixture, LevelDecidesWhichFamilyPasses)
 {
+    const unsigned char byte = 0xAB;
     const Messages infoFamily = {"i", "id\n" + dumpOfAB, "ih: AB "};
     Messages both = infoFamily;
     both.insert(both.end(), {"t", "td\n" + dumpOfAB, "th AB "});
-
     const struct {
         int level;
         Messages expected;
-    } cases[] = {{-1, {}}, {-1000, {}}, {0, infoFamily}, {1, both}, {2, both}, {1000, both}};
+    } cases[] = {{-1, {}}, {-1000, {}}, {0, infoFamily}, {1, both}, {2, both}};
     for (const auto& c : cases) {
         auto recorder = std::make_shared<RecordingChannel>();
         logger.setChannel(recorder);
         logger.setLevel(c.level);
-        EXPECT_EQ(logger.level(), c.level);
-        sendAll();
+        logger.info("i");
+        logger.infoDump("id", &byte, 1);
+        logger.infoHex("ih", &byte, 1);
+        logger.trace("t");
+        logger.traceDump("td", &byte, 1);
+        logger.traceHex("th", &byte, 1);
         EXPECT_EQ(recorder->messages(), c.expected) << "level " << c.level;
     }
 }
 
-TEST_F(LoggerFixture, NewLoggerStartsAtLevelZeroWithItsChannel)
-{
-    EXPECT_EQ(logger.level(), 0);
-    EXPECT_EQ(logger.channel(), channel);
-}
-
-TEST_F(LoggerFixture, ChannelReceivesTheLoggersName)
-{
-    logger.info("hello");
-    ASSERT_EQ(channel->entries().size(), 1u);
-    EXPECT_EQ(channel->entries()[0].name, "logger_test.ChannelReceivesTheLoggersName");
-}
-
-TEST_F(LoggerFixture, HexJoints)
+TEST_F(LoggerFixture, BuildsTheTextOfEachOperation)
 {
     logger.setLevel(1);
     const unsigned char bytes[] = {0x3B, 0x00};
+    const std::string withZero("ab\0cd", 5);
     logger.infoHex("atr", bytes, 2);
     logger.traceHex("atr", bytes, 2);
     logger.infoHex("none", bytes, 0);
     logger.traceHex("none", bytes, 0);
-    EXPECT_EQ(channel->messages(), (Messages{"atr: 3B 00 ", "atr 3B 00 ", "none: ", "none "}));
+    logger.info("100% %s %n"); // never a format
+    logger.traceHex("%d%%", bytes, 1);
+    logger.trace(withZero); // a zero byte ends only the texts that are built
+    logger.infoHex(withZero, bytes, 1);
+    const std::vector<unsigned char> block(20, 0x41);
+    logger.traceDump("block", block.data(), 20);
+    EXPECT_EQ(channel->messages(),
+              (Messages{"atr: 3B 00 ", "atr 3B 00 ", "none: ", "none ", "100% %s %n", "%d%% 3B ", withZero, "ab: 3B ",
+                        "block\n41 41 41 41 41 41 41 41 41 41 41 41 41 41 41 41 | AAAAAAAAAAAAAAAA\n41 41 41 41" +
+                            std::string(37, ' ') + "| AAAA" + std::string(12, ' ')}));
+    EXPECT_EQ(channel->entries().front().name, name);
 }
 
-TEST_F(LoggerFixture, DumpOfNothingFailsBeforeTheChannel)
+TEST_F(LoggerFixture, DumpOfNothingFailsOnlyWhenItPasses)
 {
     logger.setLevel(1);
     EXPECT_THROW(logger.infoDump("m", nullptr, 0), std::out_of_range);
@@ -90,83 +85,85 @@ TEST_F(LoggerFixture, DumpOfNothingFailsBeforeTheChannel)
     EXPECT_NO_THROW(logger.traceDump("m", nullptr, 0)); // filtered: no text is built
 }
 
-TEST_F(LoggerFixture, DumpIsOneMessageOfSeveralLines)
+// The registry as it stands whatever ran before in the process: every test uses names of
+// its own. The first-use cases run in processes of their own (registry_first_use_test.cpp).
+TEST(Registry, OneObjectPerExactName)
 {
-    std::vector<unsigned char> bytes(20, 0x41);
-    logger.infoDump("block", bytes.data(), 20);
-    ASSERT_EQ(channel->messages().size(), 1u);
-    const std::string message = channel->messages()[0];
-    EXPECT_EQ(message.substr(0, 6), "block\n");
-    EXPECT_EQ(message.size(), 6u + 67u + 66u);
-    EXPECT_EQ(message.substr(6 + 48, 18), "| AAAAAAAAAAAAAAAA");
+    EXPECT_EQ(&lg::get("reg.same"), &lg::get("reg.same"));
+    EXPECT_NE(&lg::get("reg.Case"), &lg::get("reg.case"));
+    EXPECT_EQ(&lg::root(), &lg::get(""));
+    EXPECT_EQ(&lg::null(), &lg::get("null"));
+    EXPECT_NE(&lg::root(), &lg::null());
+    EXPECT_EQ(lg::get(".lonely").channel(), lg::root().channel()) << "a dot in first place cuts to the root";
 }
 
-TEST_F(LoggerFixture, MessageIsNeverAFormat)
+TEST(Registry, GetCopiesChannelAndLevelOfTheNearestRegisteredAncestorOnce)
 {
-    logger.setLevel(1);
-    const unsigned char byte = 1;
-    logger.info("100% %s %n");
-    logger.traceHex("%d%%", &byte, 1);
-    EXPECT_EQ(channel->messages(), (Messages{"100% %s %n", "%d%% 01 "}));
+    auto top = std::make_shared<RecordingChannel>();
+    lg::ILogger& parent = lg::add("near", top);
+    parent.setLevel(3);
+    lg::ILogger& deep = lg::get("near.b.c");
+    EXPECT_EQ(deep.channel(), top);
+    EXPECT_EQ(deep.level(), 3);
+
+    parent.setLevel(-1);
+    parent.setChannel(std::make_shared<RecordingChannel>());
+    EXPECT_EQ(deep.level(), 3);
+    EXPECT_EQ(deep.channel(), top);
+    deep.setLevel(0);
+    EXPECT_EQ(parent.level(), -1);
+
+    // near.b was not made by that search: a logger added under it now is the table's,
+    // and later names below it derive from it.
+    auto middle = std::make_shared<RecordingChannel>();
+    lg::ILogger& added = lg::add("near.b", middle);
+    EXPECT_EQ(added.level(), 0) << "add does not inherit";
+    EXPECT_EQ(&lg::get("near.b"), &added);
+    EXPECT_EQ(lg::get("near.b.x.y").channel(), middle);
+    lg::get("near.b.c").info("from deep");
+    EXPECT_EQ(top->entries(), (std::vector<RecordingChannel::Entry>{{"near.b.c", "from deep"}}));
 }
 
-TEST_F(LoggerFixture, ZeroByteEndsOnlyTheBuiltMessages)
+TEST(Registry, AddOfATakenNameLeavesTheTableAlone)
 {
-    logger.setLevel(1);
-    const std::string withZero("ab\0cd", 5);
-    const unsigned char byte = 0xFF;
-    logger.info(withZero);
-    logger.trace(withZero);
-    logger.infoHex(withZero, &byte, 1);
-    logger.traceHex(withZero, &byte, 1);
-    EXPECT_EQ(channel->messages(), (Messages{withZero, withZero, "ab: FF ", "ab FF "}));
+    auto first = std::make_shared<RecordingChannel>();
+    auto second = std::make_shared<RecordingChannel>();
+    lg::ILogger& registered = lg::add("taken", first);
+    lg::ILogger& outsider = lg::add("taken", second);
+    EXPECT_NE(&registered, &outsider);
+    EXPECT_EQ(&lg::get("taken"), &registered);
+    outsider.info("still works");
+    EXPECT_EQ(second->messages(), std::vector<std::string>{"still works"});
+    EXPECT_TRUE(first->messages().empty());
 }
 
-TEST_F(LoggerFixture, ChannelExceptionsReachTheCaller)
+TEST(Registry, ConcurrentGetAndAddAgreeOnOneObjectPerName)
 {
-    struct Throwing : ovo::logger::AbstractLogChannel {
-        void write(const std::string&, const std::string&) override { throw std::runtime_error("disk full"); }
-    };
-    logger.setChannel(std::make_shared<Throwing>());
-    EXPECT_THROW(logger.info("x"), std::runtime_error);
-    logger.setLevel(-1);
-    EXPECT_NO_THROW(logger.info("x"));
-}
+    const int threadCount = 8;
+    const int nameCount = 200;
+    auto getName = [](int n) { return "threads.get." + std::to_string(n % 10) + "." + std::to_string(n); };
+    auto addName = [](int n) { return "threads.add." + std::to_string(n); };
+    std::vector<std::vector<lg::ILogger*>> byGet(threadCount), byAdd(threadCount);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < threadCount; ++t)
+        threads.emplace_back([&, t] {
+            for (int n = 0; n < nameCount; ++n) {
+                byGet[t].push_back(&lg::get(getName(n))); // the ancestor walk runs while others insert
+                byAdd[t].push_back(&lg::add(addName(n), std::make_shared<RecordingChannel>()));
+            }
+        });
+    for (auto& thread : threads)
+        thread.join();
 
-namespace {
-
-// Shows what a derived channel sees of its formatter.
-struct FormatterHolder : ovo::logger::AbstractLogChannel {
-    void write(const std::string&, const std::string&) override {}
-    ovo::logger::IMessageFormatter* heldFormatter() const { return formatter().get(); }
-};
-
-struct Plain : ovo::logger::IMessageFormatter {
-    std::string format(const std::string&, const std::string& message) override { return message; }
-};
-
-} // namespace
-
-TEST(AbstractLogChannel, HoldsSharesAndMovesTheFormatter)
-{
-    auto formatter = std::make_shared<Plain>();
-    FormatterHolder channel;
-    EXPECT_EQ(channel.heldFormatter(), nullptr);
-    channel.setFormatter(formatter);
-    EXPECT_EQ(channel.heldFormatter(), formatter.get());
-    EXPECT_EQ(formatter.use_count(), 2);
-
-    FormatterHolder copy(channel);
-    EXPECT_EQ(copy.heldFormatter(), formatter.get());
-    EXPECT_EQ(formatter.use_count(), 3);
-
-    FormatterHolder moved(std::move(copy));
-    EXPECT_EQ(moved.heldFormatter(), formatter.get());
-    EXPECT_EQ(copy.heldFormatter(), nullptr); // NOLINT: the moved-from state is specified
-    EXPECT_EQ(formatter.use_count(), 3);
-
-    channel.setFormatter(nullptr);
-    EXPECT_EQ(formatter.use_count(), 2);
-    channel.setProperty("rolling_header", "anything"); // ignored by the base
-    EXPECT_EQ(channel.heldFormatter(), nullptr);
+    for (int n = 0; n < nameCount; ++n) {
+        std::set<lg::ILogger*> added;
+        int addsThatGotTheTablesLogger = 0;
+        for (int t = 0; t < threadCount; ++t) {
+            EXPECT_EQ(byGet[t][n], &lg::get(getName(n))) << n;
+            added.insert(byAdd[t][n]);
+            addsThatGotTheTablesLogger += byAdd[t][n] == &lg::get(addName(n)) ? 1 : 0;
+        }
+        EXPECT_EQ(added.size(), static_cast<std::size_t>(threadCount)) << "each add makes its own logger";
+        EXPECT_EQ(addsThatGotTheTablesLogger, 1) << "exactly one add registered name " << n;
+    }
 }

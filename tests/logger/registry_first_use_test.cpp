@@ -13,70 +13,6 @@
 namespace lg = ovo::logger;
 using ovo_test::RecordingChannel;
 
-TEST(FirstUse, FirstGetMakesRootAndTheLogger)
-{
-    lg::ILogger& x = lg::get("x");
-    lg::ILogger& root = lg::root();
-    EXPECT_NE(&x, &root);
-    ASSERT_NE(root.channel(), nullptr);
-    EXPECT_EQ(x.channel(), root.channel());
-    EXPECT_EQ(root.level(), 0);
-    EXPECT_EQ(x.level(), 0);
-
-    // A later channel on the root does not reach x.
-    auto recorder = std::make_shared<RecordingChannel>();
-    const auto discarding = x.channel();
-    root.setChannel(recorder);
-    EXPECT_EQ(x.channel(), discarding);
-    x.info("lost");
-    root.info("kept");
-    EXPECT_EQ(recorder->messages(), std::vector<std::string>{"kept"});
-}
-
-TEST(FirstUse, RootAddedFirstIsSharedByDescendants)
-{
-    auto recorder = std::make_shared<RecordingChannel>();
-    lg::ILogger& root = lg::add("", recorder);
-    EXPECT_EQ(&lg::root(), &root);
-    lg::get("app.reader").info("one");
-    lg::get("app").info("two");
-    EXPECT_EQ(recorder->entries(), (std::vector<RecordingChannel::Entry>{{"app.reader", "one"}, {"app", "two"}}));
-
-    lg::ILogger& second = lg::add("", std::make_shared<RecordingChannel>());
-    EXPECT_NE(&second, &root);
-    EXPECT_EQ(&lg::root(), &root);
-    EXPECT_EQ(lg::root().channel(), recorder);
-}
-
-TEST(FirstUse, NullAddedFirstTakesTheChannel)
-{
-    auto recorder = std::make_shared<RecordingChannel>();
-    lg::add("null", recorder);
-    lg::null().info("to null");
-    EXPECT_EQ(recorder->messages(), std::vector<std::string>{"to null"});
-    EXPECT_NE(lg::root().channel(), recorder);
-}
-
-TEST(FirstUse, RootAndNullAreDistinct)
-{
-    lg::ILogger& null = lg::null();
-    lg::ILogger& root = lg::root();
-    EXPECT_NE(&null, &root);
-    ASSERT_NE(null.channel(), nullptr);
-    ASSERT_NE(root.channel(), nullptr);
-    EXPECT_NE(null.channel(), root.channel());
-}
-
-TEST(FirstUse, NullPrefixFallsBackToRoot)
-{
-    // The null name is special as a whole name only.
-    lg::ILogger& early = lg::get("null.early");
-    EXPECT_EQ(early.channel(), lg::root().channel());
-    lg::ILogger& null = lg::null();
-    EXPECT_EQ(lg::get("null.late").channel(), null.channel());
-    EXPECT_NE(null.channel(), lg::root().channel());
-}
-
 namespace {
 
 struct Watched : RecordingChannel {
@@ -87,19 +23,55 @@ struct Watched : RecordingChannel {
 
 } // namespace
 
-TEST(FirstUse, ShutdownDestroysRegisteredLoggersOnly)
+TEST(FirstUse, GetMakesTheRootAndTheNullLoggerOnDemand)
 {
-    bool registeredChannelGone = false;
+    // The null name is special as a whole name only: before null exists, null.x derives
+    // from the root, which the first get makes with a discarding channel of its own.
+    lg::ILogger& early = lg::get("null.early");
+    lg::ILogger& root = lg::root();
+    ASSERT_NE(root.channel(), nullptr);
+    EXPECT_EQ(early.channel(), root.channel());
+    EXPECT_EQ(lg::get("x").channel(), root.channel());
+    EXPECT_EQ(lg::get("x").level(), 0);
+
+    lg::ILogger& null = lg::null();
+    ASSERT_NE(null.channel(), nullptr);
+    EXPECT_NE(null.channel(), root.channel());
+    EXPECT_EQ(lg::get("null.late").channel(), null.channel());
+
+    // A later channel on the root reaches neither x nor null.
+    auto recorder = std::make_shared<RecordingChannel>();
+    root.setChannel(recorder);
+    lg::get("x").info("lost");
+    null.info("lost");
+    root.info("kept");
+    EXPECT_EQ(recorder->messages(), std::vector<std::string>{"kept"});
+}
+
+TEST(FirstUse, AddedRootAndNullKeepTheirChannelsUntilShutdown)
+{
+    bool rootChannelGone = false;
     bool outsiderChannelGone = false;
-    lg::add("kept", std::make_shared<Watched>(registeredChannelGone)).setLevel(4);
-    lg::get("kept.child");
-    lg::ILogger& outsider = lg::add("kept", std::make_shared<Watched>(outsiderChannelGone));
+    auto toNull = std::make_shared<RecordingChannel>();
+    lg::add("null", toNull);
+    lg::ILogger& root = lg::add("", std::make_shared<Watched>(rootChannelGone));
+    EXPECT_EQ(&lg::root(), &root);
+    root.setLevel(4);
+    lg::get("app.reader").info("one");
+    lg::null().info("to null");
+    EXPECT_EQ(lg::get("app.reader").level(), 4);
+    EXPECT_EQ(toNull->messages(), std::vector<std::string>{"to null"});
+    const auto rootChannel = std::dynamic_pointer_cast<RecordingChannel>(root.channel());
+    EXPECT_EQ(rootChannel->entries(), (std::vector<RecordingChannel::Entry>{{"app.reader", "one"}}));
+
+    lg::ILogger& outsider = lg::add("", std::make_shared<Watched>(outsiderChannelGone));
+    EXPECT_NE(&outsider, &root);
+    EXPECT_EQ(lg::root().channel(), rootChannel);
 
     lg::shutdown();
-    EXPECT_TRUE(registeredChannelGone) << "the last handles were the two registered loggers'";
+    EXPECT_FALSE(rootChannelGone) << "this test still holds a handle";
+    EXPECT_EQ(rootChannel.use_count(), 1) << "root and app.reader released theirs";
     EXPECT_FALSE(outsiderChannelGone) << "a logger outside the table lives on";
     outsider.info("still alive");
-
-    // The table was emptied: a later get makes a fresh logger.
-    EXPECT_EQ(lg::get("kept").level(), 0);
+    EXPECT_EQ(lg::get("").level(), 0) << "a later get makes a fresh logger";
 }

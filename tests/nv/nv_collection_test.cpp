@@ -1,156 +1,179 @@
 #include <ovo/nv_collection.h>
 
+#include "support/expect_failure.h"
+
 #include <gtest/gtest.h>
 
 #include <climits>
 #include <stdexcept>
 #include <string>
-#include <typeinfo>
 #include <utility>
 #include <vector>
 
+using ovo_test::expectFailure;
 using Pairs = std::vector<std::pair<std::string, std::string>>;
 
 namespace {
 
 Pairs entriesOf(const ovo::nvCollection& c) { return Pairs(c.begin(), c.end()); }
 
-template <typename Call>
-void expectFailure(Call call, const std::type_info& type, const std::string& message)
+Pairs loaded(const std::string& text, const std::string& pairSeparator = ";", const std::string& nvSeparator = "=")
 {
-    try {
-        call();
-        ADD_FAILURE() << "no exception";
-    } catch (const std::exception& e) {
-        EXPECT_EQ(typeid(e), type);
-        EXPECT_EQ(e.what(), message);
-    }
+    return entriesOf(ovo::nvCollection(text, pairSeparator, nvSeparator));
 }
+
+const char* const notFound = "key 'baud' not found in nvCollection";
+const char* const badFormat = "NumebrParser - bad format";
+const char* const outOfRange = "NumberParser - out of range";
 
 } // namespace
 
-TEST(NvCollection, IteratesInNameOrderAndKeepsOneEntryPerName)
+TEST(NvCollection, OneEntryPerNameInByteOrder)
 {
     ovo::nvCollection c;
     EXPECT_EQ(c.begin(), c.end());
-    c.setString("b", "2");
-    c.setString("a", "1");
-    c.setString("A", "upper");
-    c.setString("", "empty name");
-    EXPECT_EQ(entriesOf(c), (Pairs{{"", "empty name"}, {"A", "upper"}, {"a", "1"}, {"b", "2"}}));
-    c.setString("a", "one");
+    for (const char* name : {"b", "a", "A", "", "a"})
+        c.setString(name, std::string("v") + name);
+    EXPECT_EQ(entriesOf(c), (Pairs{{"", "v"}, {"A", "vA"}, {"a", "va"}, {"b", "vb"}}));
     EXPECT_EQ(c.size(), 4u);
-    EXPECT_EQ(entriesOf(c)[2], (std::pair<std::string, std::string>{"a", "one"}));
+    EXPECT_TRUE(c.has("A"));
+    EXPECT_FALSE(c.has("B"));
 }
 
-TEST(NvCollection, NamesMatchExactly)
-{
-    ovo::nvCollection c;
-    c.setString("Baud", "9600");
-    EXPECT_TRUE(c.has("Baud"));
-    EXPECT_FALSE(c.has("baud"));
-    expectFailure([&] { c.getString("baud"); }, typeid(std::runtime_error), "key 'baud' not found in nvCollection");
-    expectFailure([&] { c.getInt("baud"); }, typeid(std::runtime_error), "key 'baud' not found in nvCollection");
-    EXPECT_EQ(c.getInt("baud", 7), 7);
-    EXPECT_FALSE(c.has("baud")) << "a read never inserts";
-}
-
-TEST(NvCollection, TypedWritesStoreTheirText)
+TEST(NvCollection, TypedWritesStoreTheirTextAndReadBack)
 {
     ovo::nvCollection c;
     c.setBool("t", true);
     c.setBool("f", false);
     c.setInt("int", INT_MIN);
-    c.setLong("long", -5);
+    c.setLong("long", INT_MAX);
     c.setShort("short", -1);
     c.setUInt("uint", UINT_MAX);
     c.setULong("ulong", 4294967295ul);
     c.setUShort("ushort", 65535);
-    EXPECT_EQ(entriesOf(c), (Pairs{{"f", "no"},
-                                   {"int", "-2147483648"},
-                                   {"long", "-5"},
-                                   {"short", "-1"},
-                                   {"t", "yes"},
-                                   {"uint", "4294967295"},
-                                   {"ulong", "4294967295"},
-                                   {"ushort", "65535"}}));
+    EXPECT_EQ(entriesOf(c), (Pairs{{"f", "no"}, {"int", "-2147483648"}, {"long", "2147483647"}, {"short", "-1"},
+                                   {"t", "yes"}, {"uint", "4294967295"}, {"ulong", "4294967295"}, {"ushort", "65535"}}));
     EXPECT_TRUE(c.getBool("t"));
-    EXPECT_FALSE(c.getBool("f"));
+    EXPECT_FALSE(c.getBool("f", true));
     EXPECT_EQ(c.getInt("int"), INT_MIN);
-    EXPECT_EQ(c.getLong("long"), -5);
+    EXPECT_EQ(c.getLong("long"), INT_MAX);
     EXPECT_EQ(c.getShort("short"), -1);
     EXPECT_EQ(c.getUInt("uint"), UINT_MAX);
     EXPECT_EQ(c.getULong("ulong"), 4294967295ul);
     EXPECT_EQ(c.getUShort("ushort"), 65535);
 }
 
-TEST(NvCollection, LongsCarryThirtyTwoBitsEverywhere)
+TEST(NvCollection, ReadsFailWithoutDefaultAndFallBackWithOne)
 {
-    ovo::nvCollection c;
-    c.setLong("l", static_cast<long>(INT_MAX));
-    EXPECT_EQ(c.getString("l"), "2147483647");
-    c.setString("big", "2147483648");
-    expectFailure([&] { c.getLong("big"); }, typeid(std::range_error), "NumberParser - out of range");
-    EXPECT_EQ(c.getLong("big", 3L), 3L);
-    c.setString("huge", "4294967296");
-    EXPECT_EQ(c.getULong("huge", 9ul), 9ul);
+    const ovo::nvCollection c("flag=yes;wide=70000;big=2147483648;huge=4294967296;empty=;on=on;Baud=1", ";", "=");
+    const struct {
+        std::string name;
+        const char* failure; // of the read without default, if any
+        const std::type_info& type;
+    } failures[] = {{"baud", notFound, typeid(std::runtime_error)}, {"flag", badFormat, typeid(std::logic_error)},
+                    {"wide", outOfRange, typeid(std::range_error)}};
+    for (const auto& f : failures) {
+        if (f.name != "wide")
+            expectFailure([&] { c.getInt(f.name); }, f.type, f.failure);
+        expectFailure([&] { c.getShort(f.name); }, f.type, f.failure);
+    }
+    expectFailure([&] { c.getString("baud"); }, typeid(std::runtime_error), notFound);
+    expectFailure([&] { c.getLong("big"); }, typeid(std::range_error), outOfRange);
     EXPECT_EQ(c.getULong("big"), 2147483648ul);
-}
-
-TEST(NvCollection, TypedReadsFailOrFallBack)
-{
-    ovo::nvCollection c;
-    c.setBool("flag", true);
-    c.setString("wide", "70000");
-    c.setString("empty", "");
-    c.setString("on", "on");
-
-    expectFailure([&] { c.getInt("flag"); }, typeid(std::logic_error), "NumebrParser - bad format");
-    EXPECT_EQ(c.getInt("flag", 11), 11);
-    expectFailure([&] { c.getShort("wide"); }, typeid(std::range_error), "NumberParser - out of range");
-    EXPECT_EQ(c.getShort("wide", 5), 5);
     EXPECT_EQ(c.getInt("wide"), 70000);
-    EXPECT_EQ(c.getUShort("wide", 6), 6);
-    EXPECT_TRUE(c.getBool("on"));
-    EXPECT_FALSE(c.getBool("missing", false));
-    EXPECT_TRUE(c.getBool("missing", true));
 
-    // The empty text is the number 0, with or without a default.
+    EXPECT_EQ(c.getInt("baud", 7), 7);
+    EXPECT_EQ(c.getInt("flag", 11), 11);
+    EXPECT_EQ(c.getShort("wide", 5), 5);
+    EXPECT_EQ(c.getUShort("wide", 6), 6);
+    EXPECT_EQ(c.getLong("big", 3L), 3L);
+    EXPECT_EQ(c.getULong("huge", 9ul), 9ul);
+    EXPECT_EQ(c.getUInt("huge", 8u), 8u);
+    EXPECT_TRUE(c.getBool("on"));
+    EXPECT_TRUE(c.getBool("missing", true));
+    EXPECT_EQ(c.getString("missing", "default"), "default");
+    // The empty text is the number 0, with or without a default, and a value of its own.
     EXPECT_EQ(c.getInt("empty"), 0);
-    EXPECT_EQ(c.getInt("empty", 9), 0);
     EXPECT_EQ(c.getUInt("empty", 9), 0u);
     EXPECT_FALSE(c.getBool("empty", true));
     EXPECT_EQ(c.getString("empty", "default"), "");
-    EXPECT_EQ(c.getString("missing", "default"), "default");
-    EXPECT_EQ(c.getString("flag"), "yes");
+    EXPECT_FALSE(c.has("baud")) << "a read never inserts";
 }
 
 TEST(NvCollection, CopiesAreDeepAndMovesEmptyTheSource)
 {
-    ovo::nvCollection original;
-    original.setString("a", "1");
+    ovo::nvCollection original("a=1", ";", "=");
     ovo::nvCollection copy(original);
     copy.setString("a", "2");
-    original.setString("b", "3");
-    EXPECT_EQ(entriesOf(original), (Pairs{{"a", "1"}, {"b", "3"}}));
+    ovo::nvCollection target("old=gone", ";", "=");
+    target = copy;
+    target.setString("b", "3");
+    EXPECT_EQ(entriesOf(original), (Pairs{{"a", "1"}}));
     EXPECT_EQ(entriesOf(copy), (Pairs{{"a", "2"}}));
 
-    ovo::nvCollection moved(std::move(original));
-    EXPECT_EQ(original.size(), 0u); // NOLINT: a moved-from collection is valid and empty
-    original.setString("again", "x");
-    EXPECT_EQ(original.size(), 1u);
-    EXPECT_EQ(moved.size(), 2u);
-
-    ovo::nvCollection target;
-    target.setString("old", "gone");
-    target = copy;
-    EXPECT_EQ(entriesOf(target), (Pairs{{"a", "2"}}));
+    ovo::nvCollection moved(std::move(target));
+    EXPECT_EQ(target.size(), 0u); // NOLINT: a moved-from collection is valid and empty
     target = std::move(moved);
-    EXPECT_EQ(entriesOf(target), (Pairs{{"a", "1"}, {"b", "3"}}));
     EXPECT_EQ(moved.size(), 0u); // NOLINT
-
     ovo::nvCollection& alias = target;
     target = alias;
     target = std::move(alias);
-    EXPECT_EQ(entriesOf(target), (Pairs{{"a", "1"}, {"b", "3"}}));
+    EXPECT_EQ(entriesOf(target), (Pairs{{"a", "2"}, {"b", "3"}}));
+}
+
+TEST(NvText, LoadCutsPairsThenNameAndValue)
+{
+    const struct {
+        std::string text;
+        Pairs entries;
+    } cases[] = {{"", {}},
+                 {"b=2;a=1", {{"a", "1"}, {"b", "2"}}},
+                 {";a=1;;b=2;", {{"a", "1"}, {"b", "2"}}},
+                 {"a=1;a=2", {{"a", "2"}}},
+                 {"a=b=c", {{"a", "b=c"}}},
+                 {"a=", {{"a", ""}}},
+                 {"=v", {{"", "v"}}},
+                 {"=", {{"", ""}}},
+                 {"a", {}},
+                 {"a;b=2", {{"a", ""}, {"b", "2"}}},
+                 {"b=2;a", {{"b", "2"}}},
+                 {"x;y", {{"x", ""}}},
+                 {"x;y;", {{"x", ""}, {"y", ""}}},
+                 {" a = 1 ", {{" a ", " 1 "}}},
+                 {"a\n=1\r", {{"a\n", "1\r"}}}};
+    for (const auto& c : cases)
+        EXPECT_EQ(loaded(c.text), c.entries) << "text [" << c.text << "]";
+
+    ovo::nvCollection c("a=1;c=3", ";", "=");
+    c.load("a=2;b=5", ";", "=");
+    EXPECT_EQ(entriesOf(c), (Pairs{{"a", "2"}, {"b", "5"}, {"c", "3"}}));
+}
+
+TEST(NvText, UnusualSeparators)
+{
+    EXPECT_EQ(loaded("a: 1, b: 2", ", ", ": "), (Pairs{{"a", "1"}, {"b", "2"}}));
+    EXPECT_EQ(loaded("a;b;c", ";", ";"), Pairs{}) << "equal separators add nothing";
+    EXPECT_EQ(loaded("ab;cd", ";", ""), (Pairs{{"", "cd"}})) << "empty name-value separator";
+    // An empty pair separator: the whole text is one piece, at most one pair.
+    EXPECT_EQ(loaded("a=1;b=2", "", "="), (Pairs{{"a", "1;b=2"}}));
+    EXPECT_EQ(loaded("no separator", "", "="), Pairs{});
+    // A name-value separator that starts inside a piece and reaches past it leaves an
+    // empty value instead of running into the rest of the text.
+    EXPECT_EQ(loaded("a=;bcdef", ";", "=;"), (Pairs{{"a", ""}}));
+    EXPECT_EQ(loaded("name:=;=x;", ";", "=;="), (Pairs{{"=x", ""}, {"name:", ""}}));
+}
+
+TEST(NvText, ToStringRendersSortedPairsThatLoadBack)
+{
+    EXPECT_EQ(ovo::nvCollection().toString(";", "="), "");
+    const ovo::nvCollection one("only=", ";", "=");
+    EXPECT_EQ(one.toString(";", "="), "only=");
+
+    ovo::nvCollection c("z=last;device=COM1;spaced= x y ;withEquals=a=b;empty=", ";", "=");
+    EXPECT_EQ(c.toString(", ", ": "), "device: COM1, empty: , spaced:  x y , withEquals: a=b, z: last");
+    EXPECT_EQ(loaded(c.toString(";", "=")), entriesOf(c));
+
+    c.setString("a", std::string("cut\0here", 8));
+    c.setString(std::string("n\0x", 3), "v");
+    EXPECT_EQ(c.toString("|", "="), "a=cut|device=COM1|empty=|n=v|spaced= x y |withEquals=a=b|z=last");
 }

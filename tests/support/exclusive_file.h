@@ -22,26 +22,17 @@ public:
 #if defined(_WIN32)
         handle_ = CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_ALWAYS,
                               FILE_ATTRIBUTE_NORMAL, nullptr);
+        held_ = handle_ != INVALID_HANDLE_VALUE;
 #else
         descriptor_ = ::open(path.c_str(), O_WRONLY | O_CREAT, 0644);
-        if (descriptor_ >= 0 && ::flock(descriptor_, LOCK_EX) != 0) {
-            ::close(descriptor_);
-            descriptor_ = -1;
-        }
+        held_ = descriptor_ >= 0 && ::flock(descriptor_, LOCK_EX) == 0;
 #endif
     }
     ~ExclusiveFile() { release(); }
     ExclusiveFile(const ExclusiveFile&) = delete;
     ExclusiveFile& operator=(const ExclusiveFile&) = delete;
 
-    bool held() const
-    {
-#if defined(_WIN32)
-        return handle_ != INVALID_HANDLE_VALUE;
-#else
-        return descriptor_ >= 0;
-#endif
-    }
+    bool held() const { return held_; }
 
     void release()
     {
@@ -54,9 +45,11 @@ public:
             ::close(descriptor_);
         descriptor_ = -1;
 #endif
+        held_ = false;
     }
 
 private:
+    bool held_ = false;
 #if defined(_WIN32)
     HANDLE handle_ = INVALID_HANDLE_VALUE;
 #else

@@ -1,9 +1,14 @@
-// Runs another program of the test build as a separate process.
+// Other programs of the test build, run beside the test: waited for, interrupted as
+// Ctrl-C does (POSIX), or killed the hard way (SIGKILL; TerminateProcess on Windows), as a
+// crash would end them. Their standard output goes to the file `output` when one is named.
 #ifndef OVO_TESTS_SUPPORT_PROCESS_H
 #define OVO_TESTS_SUPPORT_PROCESS_H
 
-#include <cstdlib>
+#include <chrono>
+#include <filesystem>
+#include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
 #if defined(_WIN32)
@@ -11,8 +16,12 @@
 #  include <windows.h>
 #else
 #  include <climits>
+#  include <fcntl.h>
+#  include <signal.h>
+#  include <spawn.h>
 #  include <sys/wait.h>
 #  include <unistd.h>
+extern char** environ;
 #endif
 
 namespace ovo_test {
@@ -22,15 +31,13 @@ inline std::string siblingFile(const std::string& name)
 {
 #if defined(_WIN32)
     char self[MAX_PATH] = {};
-    GetModuleFileNameA(nullptr, self, MAX_PATH);
-    std::string path(self);
-    return path.substr(0, path.find_last_of("\\/") + 1) + name;
+    const auto length = GetModuleFileNameA(nullptr, self, MAX_PATH);
 #else
     char self[PATH_MAX] = {};
     const ssize_t length = readlink("/proc/self/exe", self, sizeof self - 1);
-    std::string path(self, length > 0 ? static_cast<std::size_t>(length) : 0);
-    return path.substr(0, path.find_last_of('/') + 1) + name;
 #endif
+    const std::string path(self, length > 0 ? static_cast<std::size_t>(length) : 0);
+    return path.substr(0, path.find_last_of("\\/") + 1) + name;
 }
 
 // The path of a program that was built beside the running one.
@@ -43,22 +50,122 @@ inline std::string siblingProgram(const std::string& name)
 #endif
 }
 
-// Runs the program with the arguments (each quoted) and gives its exit status; its
-// standard output goes to the file `output` when one is named.
+class ChildProcess {
+public:
+    ChildProcess(const std::string& program, const std::vector<std::string>& args,
+                 const std::string& output = std::string())
+    {
+        const std::string path = program.find_first_of("\\/") == std::string::npos ? siblingProgram(program) : program;
+#if defined(_WIN32)
+        std::string command = "\"" + path + "\"";
+        for (const std::string& arg : args)
+            command += " \"" + arg + "\"";
+        STARTUPINFOA startup = {};
+        startup.cb = sizeof startup;
+        HANDLE out = INVALID_HANDLE_VALUE;
+        if (!output.empty()) {
+            SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
+            out = CreateFileA(output.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS, 0, nullptr);
+            startup.dwFlags = STARTF_USESTDHANDLES;
+            startup.hStdOutput = out;
+            startup.hStdError = GetStdHandle(STD_ERROR_HANDLE);
+        }
+        PROCESS_INFORMATION info = {};
+        const BOOL started = CreateProcessA(nullptr, &command[0], nullptr, nullptr, out != INVALID_HANDLE_VALUE, 0,
+                                            nullptr, nullptr, &startup, &info);
+        if (out != INVALID_HANDLE_VALUE)
+            CloseHandle(out);
+        if (!started)
+            throw std::runtime_error("cannot start " + program);
+        CloseHandle(info.hThread);
+        process_ = info.hProcess;
+#else
+        std::vector<char*> argv{const_cast<char*>(path.c_str())};
+        for (const std::string& arg : args)
+            argv.push_back(const_cast<char*>(arg.c_str()));
+        argv.push_back(nullptr);
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        if (!output.empty())
+            posix_spawn_file_actions_addopen(&actions, 1, output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        const int result = posix_spawn(&pid_, path.c_str(), &actions, nullptr, argv.data(), environ);
+        posix_spawn_file_actions_destroy(&actions);
+        if (result != 0)
+            throw std::runtime_error("cannot start " + program);
+#endif
+    }
+    ~ChildProcess()
+    {
+        if (running_)
+            kill();
+    }
+    ChildProcess(const ChildProcess&) = delete;
+    ChildProcess& operator=(const ChildProcess&) = delete;
+
+    // The exit status.
+    int wait()
+    {
+        running_ = false;
+#if defined(_WIN32)
+        WaitForSingleObject(process_, INFINITE);
+        DWORD status = 0;
+        GetExitCodeProcess(process_, &status);
+        CloseHandle(process_);
+        return static_cast<int>(status);
+#else
+        int status = 0;
+        while (waitpid(pid_, &status, 0) < 0 && errno == EINTR) {
+        }
+        return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+#endif
+    }
+
+#if !defined(_WIN32)
+    // Ends the process as Ctrl-C does; gives its exit status.
+    int interrupt()
+    {
+        ::kill(pid_, SIGINT);
+        return wait();
+    }
+#endif
+
+    // Ends the process at once, whatever it holds, and reaps it.
+    void kill()
+    {
+#if defined(_WIN32)
+        TerminateProcess(process_, 137);
+#else
+        ::kill(pid_, SIGKILL);
+#endif
+        wait();
+    }
+
+private:
+    bool running_ = true;
+#if defined(_WIN32)
+    HANDLE process_ = nullptr;
+#else
+    pid_t pid_ = 0;
+#endif
+};
+
+// Runs the program (a path, or the name of a sibling program) to its end; gives its exit status.
 inline int runProgram(const std::string& program, const std::vector<std::string>& args,
                       const std::string& output = std::string())
 {
-    std::string command = "\"" + program + "\"";
-    for (const std::string& arg : args)
-        command += " \"" + arg + "\"";
-    if (!output.empty())
-        command += " > \"" + output + "\"";
-#if defined(_WIN32)
-    return std::system(("\"" + command + "\"").c_str()); // cmd.exe strips one pair of quotes
-#else
-    const int status = std::system(command.c_str());
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-#endif
+    return ChildProcess(program, args, output).wait();
+}
+
+// Waits up to `limit` for a file to appear (a child's sign that it is ready).
+inline bool waitForFile(const std::filesystem::path& path,
+                        std::chrono::milliseconds limit = std::chrono::milliseconds(20000))
+{
+    for (const auto end = std::chrono::steady_clock::now() + limit; !std::filesystem::exists(path);) {
+        if (std::chrono::steady_clock::now() > end)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+    return true;
 }
 
 } // namespace ovo_test
