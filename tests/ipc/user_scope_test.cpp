@@ -16,7 +16,7 @@ using ovo::ipc::SystemMutex;
 int peerAsNobody(std::vector<std::string> a)
 {
     a.insert(a.begin(), {"--reuid=65534", "--regid=65534", "--clear-groups", ovo_test::siblingProgram("ipc_peer")});
-    return ovo_test::runProgram("setpriv", a);
+    return ovo_test::runProgram("/usr/bin/setpriv", a);
 }
 
 class UserScopeTest : public ovo_test::IpcTest {
