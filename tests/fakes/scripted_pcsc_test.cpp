@@ -99,7 +99,6 @@ TEST_F(ScriptedService, StatesOutsideOneToSixAreUnknownAndAnEmptyAtrKeepsTheVect
         {7, {}, cardUnknown, Bytes(33, 0x3F)},               // empty: the vector as it was
         {0, {0x3B}, cardUnknown, {0x3B}},
         {5, {0x3B}, cardNegotiable, {0x3B}},
-        {100, {0x3B}, cardUnknown, {0x3B}},
     };
     pcsc reader(readerA);
     reader.connect();

@@ -58,7 +58,6 @@ TEST(SecurityAttributesTest, TheRecordHoldsADescriptorWithOneEntryForTheGroup)
         std::uint32_t mask;
         Bytes entry;
     } cases[] = {
-        {SecurityAttributes::SA_World, 0x100000, allowingEntry(0x100000, 1, {0})},
         {SecurityAttributes::SA_World, 0x2001F, allowingEntry(0x2001F, 1, {0})},
         {SecurityAttributes::SA_Admin, 0x1F0001, allowingEntry(0x1F0001, 5, {32, 544})},
         {7, 0x1, allowingEntry(0x1, 5, {32, 544})}, // any kind but 0: the administrators
