@@ -3,16 +3,14 @@
 #include <ovo/io/card_monitor.h>
 
 #include "fakes/scripted_pcsc.h"
+#include "support/failure_of.h"
 
 #include <gtest/gtest.h>
-
-#include <stdexcept>
-#include <string>
-#include <vector>
 
 using ovo::io::CardEvent;
 using ovo::io::CardMonitor;
 using ovo_fake::pcscScript;
+using ovo_test::failureOf;
 using Texts = std::vector<std::string>;
 
 namespace {
@@ -28,17 +26,6 @@ Texts eventsNow(CardMonitor& monitor)
             events.back() += (i == 0 ? " " : ".") + std::to_string(event.atr[i]);
     }
     return events;
-}
-
-template <typename Call>
-std::string failureOf(Call call)
-{
-    try {
-        call();
-    } catch (const std::runtime_error& e) {
-        return e.what();
-    }
-    return "no exception";
 }
 
 TEST(ScriptedCardMonitor, EventsInTheOrderOfWhatChanged)

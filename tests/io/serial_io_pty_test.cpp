@@ -3,6 +3,7 @@
 #include <ovo/io/serial_io.h>
 #include <ovo/logger/logger.h>
 
+#include "support/failure_of.h"
 #include "support/recording_channel.h"
 #include "support/temp_dir.h"
 
@@ -11,16 +12,12 @@
 #include <algorithm>
 #include <chrono>
 #include <fcntl.h>
-#include <memory>
 #include <poll.h>
 #include <pty.h>
-#include <stdexcept>
-#include <string>
 #include <sys/stat.h>
 #include <termios.h>
 #include <thread>
 #include <unistd.h>
-#include <vector>
 
 using namespace ovo::io;
 using Clock = std::chrono::steady_clock;
@@ -39,11 +36,7 @@ protected:
         slaveName = name;
         logger.setLevel(1);
     }
-    void TearDown() override
-    {
-        ::close(master);
-        ::close(slave);
-    }
+    void TearDown() override { ::close(master), ::close(slave); }
 
     SerialConfig config(const SerialTimeouts& timeouts) const
     {
@@ -80,12 +73,10 @@ TEST(SerialIO, WhatIsNoSerialDeviceIsNotOpened)
                  {"/dev/null", "::GetCommState( '/dev/null' ) failed. error = 1", "openDevice( '/dev/null' ) OK"}};
     for (const auto& c : cases) {
         auto channel = std::make_shared<ovo_test::RecordingChannel>();
-        try {
-            SerialIO port(SerialConfig::fromString("device=" + c.name), ovo::logger::add("serial.none", channel));
-            ADD_FAILURE() << c.name << ": no exception";
-        } catch (const std::runtime_error& e) {
-            EXPECT_EQ(e.what(), c.what);
-        }
+        EXPECT_EQ(ovo_test::failureOf([&] {
+                      SerialIO port(SerialConfig::fromString("device=" + c.name), ovo::logger::add("serial.none", channel));
+                  }),
+                  c.what);
         EXPECT_EQ(channel->messages(), std::vector<std::string>{c.info});
     }
 }

@@ -32,6 +32,7 @@ TEST(PosixFaults, FailuresReportTheCauseAndChangeNothing)
         return result == 0 ? std::string(buffer, size) : "error " + std::to_string(result);
     };
     ASSERT_EQ(setText("old"), 0);
+    const auto keyDirectory = config.path() / "ovosystem/registry/faults";
     const std::string file = (files.path() / "file").string();
     HANDLE handle = CreateFileA(file.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
     DWORD done = 0;
@@ -61,8 +62,7 @@ TEST(PosixFaults, FailuresReportTheCauseAndChangeNothing)
         EXPECT_EQ(c.result(), c.code) << c.call << " " << c.error;
         failCall();
         EXPECT_EQ(text(), "old") << c.call << " " << c.error;
-        const auto directory = config.path() / "ovosystem/registry/faults";
-        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(directory), {}), 1) << "a file left behind";
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(keyDirectory), {}), 1) << "a file left behind";
     }
     CloseHandle(handle);
     EXPECT_EQ(ovo_test::readFile(file), "hello");
