@@ -15,7 +15,6 @@
 #include <pty.h>
 #include <regex>
 #include <sstream>
-#include <termios.h>
 #include <tuple>
 
 namespace {
@@ -29,8 +28,7 @@ struct ToolRun {
     friend void PrintTo(const ToolRun& r, std::ostream* os) { *os << r.status << ", out: " << r.out << ", err: " << r.err; }
 };
 
-// A minimal parse of the tool's flat JSON objects: the string and true/false values of
-// each key, in order ("card": {"true", "false"}), escapes left as they stand.
+// The string and true/false values of each key of flat JSON objects, in order, escapes as they stand.
 std::map<std::string, std::vector<std::string>> jsonValues(const std::string& text)
 {
     static const std::regex pair("\"(\\w+)\":(?:\"((?:[^\"\\\\]|\\\\.)*)\"|(true|false))");
@@ -59,19 +57,13 @@ protected:
     std::string openPty()
     {
         char name[256] = {};
-        EXPECT_EQ(openpty(&peer_, &port_, name, nullptr, nullptr), 0);
-        termios raw;
-        tcgetattr(port_, &raw);
+        termios raw = {};
         cfmakeraw(&raw);
-        tcsetattr(port_, TCSANOW, &raw);
+        EXPECT_EQ(openpty(&peer_, &port_, name, &raw, nullptr), 0);
         fcntl(peer_, F_SETFD, FD_CLOEXEC);
         return name;
     }
-    void TearDown() override
-    {
-        close(peer_);
-        close(port_);
-    }
+    void TearDown() override { close(peer_), close(port_); }
 
     // Waits up to the limit for the text to show in the file (the card process starts slowly).
     static bool shows(const std::string& file, const std::string& text, milliseconds limit = std::chrono::seconds(20))
@@ -93,9 +85,8 @@ TEST_F(OvoToolTest, HelpNamesEverySubcommandAndEachHasItsOwn)
     for (const char* name : {"readers", "apdu", "serial", "channel", "hexdump", "script", "demo", "ports"}) {
         EXPECT_NE(help.out.find(std::string("  ") + name), std::string::npos) << name;
         const ToolRun own = ovo({name, "--help"});
-        EXPECT_EQ(own.status, 0) << name;
-        EXPECT_EQ(own.out.rfind(std::string("usage: ovo ") + name, 0), 0u) << own.out;
-        EXPECT_NE(own.out.find("--log-level=N"), std::string::npos) << name;
+        EXPECT_TRUE(own.status == 0 && own.out.rfind(std::string("usage: ovo ") + name, 0) == 0 &&
+                    own.out.find("--log-level=N") != std::string::npos) << own.out;
     }
     EXPECT_EQ(ovo({}).status, 2);
 }
@@ -166,8 +157,8 @@ TEST_F(OvoToolTest, ChannelMessagesGoBothWaysAndAreWatchedUntilInterrupted)
     const std::string name = "ovotool-" + std::to_string(getpid());
     ovo::ipc::MessageChannel channel(name, 65536); // the channel lives while this object does
     EXPECT_EQ(ovo({"channel", name, "send", "7", "01 02 FF"}), (ToolRun{0, "sent 3 bytes with identifier 7\n", ""}));
-    const ToolRun run = ovo({"channel", name, "send", "8", "--text=card in", "--log-level=1"}); // the console shows the log
-    EXPECT_NE(run.err.find("sent 8: 63 61 72 64 20 69 6E"), std::string::npos) << run.err;
+    EXPECT_NE(ovo({"channel", name, "send", "8", "--text=card in", "--log-level=1"}).err.find("sent 8: 63 61 72 64 20 69 6E"),
+              std::string::npos); // the console shows the log
     EXPECT_EQ(ovo({"channel", name, "count"}).out, "2\n");
     EXPECT_EQ(ovo({"channel", name, "recv", "8"}).out, "63 61 72 64 20 69 6E  \"card in\"\n");
     EXPECT_EQ(ovo({"channel", name, "recv"}).out, "01 02 FF\n");
@@ -207,8 +198,7 @@ TEST_F(OvoToolTest, SerialTransfersEndWithinTheTimeoutOfTheWholeCommand)
     EXPECT_EQ(ovo({"serial", settings, "--log-dir=" + path(""), "send", "41 42 43"}), (ToolRun{0, "sent 3 of 3 bytes\n", ""}));
     EXPECT_NE(ovo_test::readFile(path(ovo_test::todaysLogFile("ovo"))).find("openDevice( '" + name + "' ) OK"), std::string::npos);
     char got[3] = {};
-    ASSERT_EQ(read(peer_, got, 3), 3);
-    EXPECT_EQ(std::string(got, 3), "ABC");
+    EXPECT_TRUE(read(peer_, got, 3) == 3 && std::string(got, 3) == "ABC");
 
     std::string many41;
     for (int i = 0; i < 4096; ++i)
@@ -232,8 +222,7 @@ TEST_F(OvoToolTest, SerialTransfersEndWithinTheTimeoutOfTheWholeCommand)
         const auto start = std::chrono::steady_clock::now();
         EXPECT_EQ(ovo(words), c.result);
         const auto took = std::chrono::steady_clock::now() - start;
-        EXPECT_GE(took, c.least) << c.result.err;
-        EXPECT_LE(took, c.most) << c.result.err;
+        EXPECT_TRUE(took >= c.least && took <= c.most) << std::chrono::duration_cast<milliseconds>(took).count() << " ms";
     }
 
     // A peer that does not read takes what fits, and --timeout=0 waits for nothing more.
@@ -262,8 +251,7 @@ TEST_F(OvoToolTest, PortsAsATableAndAsJsonShowWhatTheLibraryFinds)
     EXPECT_FALSE(std::getline(table, line));
 }
 
-// The card tests need pcscd with the virtual reader; the virtual card is started here,
-// and the last test stops it.
+// Needs pcscd with the virtual reader; the virtual card starts here and the last test stops it.
 class OvoToolCardTest : public OvoToolTest {
 protected:
     static void SetUpTestSuite()
@@ -298,14 +286,12 @@ TEST_F(OvoToolCardTest, ReadersShowTheCardAndItsAtr)
 TEST_F(OvoToolCardTest, ApduPrintsResponsesAndSucceedsOnlyWhenAllDo)
 {
     EXPECT_EQ(ovo({"apdu", "00 A4 00 0C 02 3F 00"}), (ToolRun{0, "-> 00 A4 00 0C 02 3F 00\n<- 90 00  9000: success\n", ""}));
-    ToolRun run = ovo({"apdu", "--reader=Virtual PCD 00 00", "00A4000C021234", "00B0000010", "00A4000C023F00"});
+    const ToolRun run = ovo({"apdu", "--reader=Virtual PCD 00 00", "00A4000C021234", "00B0000010", "00A4000C023F00"});
     EXPECT_EQ(run.status, 1);
     EXPECT_NE(run.out.find("<- 6A 82  6A82: file or application not found\n"), std::string::npos) << run.out;
     EXPECT_NE(run.out.find("<- 69 86  6986: command not allowed (no current EF)\n"), std::string::npos) << run.out;
     EXPECT_EQ(run.err, "ovo apdu: a response was no success\n");
-    run = ovo({"apdu", "--reader=Nowhere", "00A4000C023F00"});
-    EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.err.rfind("ovo apdu: no reader 'Nowhere'; the readers are 'Virtual PCD 00 00'", 0), 0u) << run.err;
+    EXPECT_EQ(ovo({"apdu", "--reader=Nowhere", "00A4000C023F00"}).err.rfind("ovo apdu: no reader 'Nowhere'; the readers are 'Virtual PCD 00 00'", 0), 0u);
 }
 
 TEST_F(OvoToolCardTest, TheDemoRunsEveryPartAndSaysWhereTheLogIs)
@@ -315,8 +301,7 @@ TEST_F(OvoToolCardTest, TheDemoRunsEveryPartAndSaysWhereTheLogIs)
     EXPECT_NE(run.out.find("card: ok, channel: ok, serial: ok"), std::string::npos) << run.out;
     const std::string logLine = run.out.substr(run.out.find("the log file is ") + 16);
     const std::string log = ovo_test::readFile(logLine.substr(0, logLine.find('\n')));
-    EXPECT_EQ(log.rfind("# ovo tool log\n", 0), 0u);
-    EXPECT_NE(log.find("-> 00 A4 00 0C 02 3F 00"), std::string::npos);
+    EXPECT_TRUE(log.rfind("# ovo tool log\n", 0) == 0 && log.find("-> 00 A4 00 0C 02 3F 00") != std::string::npos) << log;
 }
 
 TEST_F(OvoToolCardTest, ReadersWatchShowsWhatIsThereAndTheCardGoing)
