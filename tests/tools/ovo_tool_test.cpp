@@ -63,7 +63,7 @@ protected:
         fcntl(peer_, F_SETFD, FD_CLOEXEC);
         return name;
     }
-    void TearDown() override { close(peer_), close(port_); }
+    void TearDown() override { close(peer_); close(port_); }
 
     // Waits up to the limit for the text to show in the file (the card process starts slowly).
     static bool shows(const std::string& file, const std::string& text, milliseconds limit = std::chrono::seconds(20))
