@@ -2,32 +2,41 @@
 // files, a pseudo-terminal pair, a real message channel and the virtual card.
 #include "support/child_process.h"
 #include "support/log_file_name.h"
-#include "support/process.h"
 #include "support/temp_dir.h"
 #include "support/virtual_card.h"
 
+#include <ovo/io/serial_ports.h>
 #include <ovo/ipc/message_channel.h>
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <sys/wait.h>
-#include <thread>
 #include <fcntl.h>
-#include <fstream>
+#include <map>
 #include <pty.h>
-#include <termios.h>
-#include <unistd.h>
+#include <regex>
+#include <sstream>
+#include <tuple>
 
 namespace {
 
-using Bytes = std::vector<unsigned char>;
+using std::chrono::milliseconds;
 
 struct ToolRun {
     int status;
-    std::string out;
-    std::string err;
+    std::string out, err;
+    bool operator==(const ToolRun& o) const { return std::tie(status, out, err) == std::tie(o.status, o.out, o.err); }
+    friend void PrintTo(const ToolRun& r, std::ostream* os) { *os << r.status << ", out: " << r.out << ", err: " << r.err; }
 };
+
+// The string and true/false values of each key of flat JSON objects, in order, escapes as they stand.
+std::map<std::string, std::vector<std::string>> jsonValues(const std::string& text)
+{
+    static const std::regex pair("\"(\\w+)\":(?:\"((?:[^\"\\\\]|\\\\.)*)\"|(true|false))");
+    std::map<std::string, std::vector<std::string>> values;
+    for (std::sregex_iterator match(text.begin(), text.end(), pair), end; match != end; ++match)
+        values[(*match)[1]].push_back((*match)[2].matched ? (*match)[2].str() : (*match)[3].str());
+    return values;
+}
 
 class OvoToolTest : public ::testing::Test {
 protected:
@@ -36,7 +45,7 @@ protected:
         std::string command = "timeout -s KILL 30 \"" + ovo_test::siblingProgram("ovo") + "\""; // a hang fails
         for (const std::string& arg : args)
             command += " '" + arg + "'";
-        const std::string out = (dir_.path() / "out").string(), err = (dir_.path() / "err").string();
+        const std::string out = path("out"), err = path("err");
         const int status = std::system((command + " >" + out + " 2>" + err + " </dev/null").c_str());
         return ToolRun{WIFEXITED(status) ? WEXITSTATUS(status) : -1, ovo_test::readFile(out), ovo_test::readFile(err)};
     }
@@ -48,27 +57,20 @@ protected:
     std::string openPty()
     {
         char name[256] = {};
-        EXPECT_EQ(openpty(&peer_, &port_, name, nullptr, nullptr), 0);
-        termios raw;
-        tcgetattr(port_, &raw);
+        termios raw = {};
         cfmakeraw(&raw);
-        tcsetattr(port_, TCSANOW, &raw);
+        EXPECT_EQ(openpty(&peer_, &port_, name, &raw, nullptr), 0);
         fcntl(peer_, F_SETFD, FD_CLOEXEC);
         return name;
     }
-    void TearDown() override
-    {
-        close(peer_);
-        close(port_);
-    }
+    void TearDown() override { close(peer_); close(port_); }
 
-    // Waits up to the limit for the text to show in the file.
-    static bool shows(const std::string& file, const std::string& text,
-                      std::chrono::milliseconds limit = std::chrono::seconds(10))
+    // Waits up to the limit for the text to show in the file (the card process starts slowly).
+    static bool shows(const std::string& file, const std::string& text, milliseconds limit = std::chrono::seconds(20))
     {
         const auto end = std::chrono::steady_clock::now() + limit;
         while (ovo_test::readFile(file).find(text) == std::string::npos && std::chrono::steady_clock::now() < end)
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+            std::this_thread::sleep_for(milliseconds(10));
         return ovo_test::readFile(file).find(text) != std::string::npos;
     }
 
@@ -80,12 +82,11 @@ TEST_F(OvoToolTest, HelpNamesEverySubcommandAndEachHasItsOwn)
 {
     const ToolRun help = ovo({"--help"});
     EXPECT_EQ(help.status, 0);
-    for (const char* name : {"readers", "apdu", "serial", "channel", "hexdump", "script", "demo"}) {
+    for (const char* name : {"readers", "apdu", "serial", "channel", "hexdump", "script", "demo", "ports"}) {
         EXPECT_NE(help.out.find(std::string("  ") + name), std::string::npos) << name;
         const ToolRun own = ovo({name, "--help"});
-        EXPECT_EQ(own.status, 0) << name;
-        EXPECT_EQ(own.out.rfind(std::string("usage: ovo ") + name, 0), 0u) << own.out;
-        EXPECT_NE(own.out.find("--log-level=N"), std::string::npos) << name;
+        EXPECT_TRUE(own.status == 0 && own.out.rfind(std::string("usage: ovo ") + name, 0) == 0 &&
+                    own.out.find("--log-level=N") != std::string::npos) << own.out;
     }
     EXPECT_EQ(ovo({}).status, 2);
 }
@@ -103,21 +104,20 @@ TEST_F(OvoToolTest, MistakesGiveStatus2AndFailuresStatus1WithOneLineThatSaysWhy)
         {{"bogus"}, 2, "ovo: unknown subcommand 'bogus'; see ovo --help\n"},
         {{"apdu", "0G"}, 2, "ovo apdu: bad hex '0G': invalid hex char 'G'\n"},
         {{"apdu", "00 A4 0"}, 2, "ovo apdu: bad hex '00 A4 0': two digits a byte\n"},
-        {{"apdu", "00A4"}, 2, "ovo apdu: a command unit has at least 4 bytes (CLA INS P1 P2): '00A4'\n"},
+        {{"apdu", "00A400"}, 2, "ovo apdu: a command unit has at least 4 bytes (CLA INS P1 P2): '00A400'\n"},
         {{"apdu", "--bogus", "00A40000"}, 2, "ovo apdu: unknown option '--bogus'\n"},
         {{"apdu"}, 2, "ovo apdu: ovo apdu needs at least one command unit in hex; see ovo apdu --help\n"},
         {{"readers", "--log-level=x"}, 2, "ovo readers: --log-level is a number from 0 to 1, not 'x'\n"},
         {{"serial", "send", "01"}, 2, "ovo serial: --port needs device=NAME; see ovo serial --help\n"},
-        {{"serial", "--port=device=ttyS0", "recv", "many"}, 2, "ovo serial: the count of recv is a number from 1 to 4294967295, not 'many'\n"},
+        {{"serial", "--port=device=ttyS0", "recv", "0"}, 2, "ovo serial: the count of recv is a number from 1 to 4294967295, not '0'\n"},
         {{"serial", "--port=device=ttyS0", "recv", "-1"}, 2, "ovo serial: the count of recv is a number from 1 to 4294967295, not '-1'\n"},
         {{"serial", "--port=device=ttyS0", "--timeout=-1", "recv", "1"}, 2, "ovo serial: --timeout is a number from 0 to 2147483647, not '-1'\n"},
-        {{"serial", "--port=device=ttyS0", "--timeout=", "recv", "1"}, 2, "ovo serial: --timeout is a number from 0 to 2147483647, not ''\n"},
         {{"serial", "--port=device=ttyS0;parity=odd2", "recv", "1"}, 2, "ovo serial: bad --port setting 'parity=odd2'; see ovo serial --help\n"},
         {{"serial", "--port=device=ttyS0;baud=fast", "recv", "1"}, 2, "ovo serial: bad --port settings 'device=ttyS0;baud=fast': baud and data take decimal numbers\n"},
         {{"serial", "--port=device=ttyS0", "listen"}, 2, "ovo serial: ovo serial needs send HEX, recv N or monitor; see ovo serial --help\n"},
         {{"channel", "c", "send", "0", "01"}, 2, "ovo channel: a message identifier is a number from 1 to 4294967295, not '0'\n"},
         {{"channel", "c", "recv", "x"}, 2, "ovo channel: a message identifier is a number from 0 to 4294967295, not 'x'\n"},
-        {{"channel", "c", "--size=100", "count"}, 2, "ovo channel: --size is a number from 4113 to 2147483647, not '100'\n"},
+        {{"channel", "c", "--size=4112", "count"}, 2, "ovo channel: --size is a number from 4113 to 2147483647, not '4112'\n"},
         {{"channel", "c", "--size=99999999999", "count"}, 2, "ovo channel: --size is a number from 4113 to 2147483647, not '99999999999'\n"},
         {{"channel", "a\\b", "count"}, 2, "ovo channel: a channel name has no backslash: 'a\\b'\n"},
         {{"hexdump", "a", "b"}, 2, "ovo hexdump: ovo hexdump takes one file at most; see ovo hexdump --help\n"},
@@ -131,80 +131,58 @@ TEST_F(OvoToolTest, MistakesGiveStatus2AndFailuresStatus1WithOneLineThatSaysWhy)
         {{"channel", held, "send", "1", "01"}, 1, "ovo channel: channel '" + held + "' exists with a smaller size; pass --size=4600 or less\n"},
         {{"channel", held, "--size=4600", "recv", "9"}, 1, "ovo channel: no message with identifier 9\n"},
     };
-    for (const auto& c : cases) {
-        const ToolRun run = ovo(c.args);
-        EXPECT_EQ(run.status, c.status) << c.message;
-        EXPECT_EQ(run.err, c.message);
-        EXPECT_EQ(run.out, "");
-    }
+    for (const auto& c : cases)
+        EXPECT_EQ(ovo(c.args), (ToolRun{c.status, "", c.message}));
 }
 
-TEST_F(OvoToolTest, HexdumpShowsOffsetsHexAndText)
+TEST_F(OvoToolTest, HexdumpAndAScriptThatRunsItsLinesUntilOneFails)
 {
     std::ofstream(path("data"), std::ios::binary) << "ABCDEFGHIJKLMNOP\x01\x02Z";
-    const ToolRun run = ovo({"hexdump", path("data")});
-    EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.out, "00000000  41 42 43 44 45 46 47 48 49 4A 4B 4C 4D 4E 4F 50 | ABCDEFGHIJKLMNOP\n"
-                       "00000010  01 02 5A                                        | ..Z             \n");
-}
+    EXPECT_EQ(ovo({"hexdump", path("data")}),
+              (ToolRun{0, "00000000  41 42 43 44 45 46 47 48 49 4A 4B 4C 4D 4E 4F 50 | ABCDEFGHIJKLMNOP\n"
+                          "00000010  01 02 5A                                        | ..Z             \n", ""}));
 
-TEST_F(OvoToolTest, AScriptRunsItsLinesUntilOneFails)
-{
     std::ofstream(path("a"), std::ios::binary) << "A";
     std::ofstream(path("script")) << "# two dumps\n\nhexdump  \"" << path("a") << "\"\r\nhexdump " << path("a")
                                   << "\napdu 0G\nhexdump " << path("a") << "\n";
-    const ToolRun run = ovo({"script", path("script")});
-    EXPECT_EQ(run.status, 2);
     const std::string dump = "00000000  41                                              | A               \n";
-    EXPECT_EQ(run.out, dump + dump); // the line after the failing one does not run
-    EXPECT_EQ(run.err, path("script") + ":5: ovo apdu: bad hex '0G': invalid hex char 'G'\n");
+    EXPECT_EQ(ovo({"script", path("script")}), // the line after the failing one does not run
+              (ToolRun{2, dump + dump, path("script") + ":5: ovo apdu: bad hex '0G': invalid hex char 'G'\n"}));
     std::ofstream(path("nested")) << "script " << path("script") << "\n";
     EXPECT_EQ(ovo({"script", path("nested")}).status, 2);
 }
 
-TEST_F(OvoToolTest, ChannelMessagesGoBothWays)
+TEST_F(OvoToolTest, ChannelMessagesGoBothWaysAndAreWatchedUntilInterrupted)
 {
     const std::string name = "ovotool-" + std::to_string(getpid());
     ovo::ipc::MessageChannel channel(name, 65536); // the channel lives while this object does
-    ToolRun run = ovo({"channel", name, "send", "7", "01 02 FF"});
-    EXPECT_EQ(run.status, 0) << run.err;
-    EXPECT_EQ(run.out, "sent 3 bytes with identifier 7\n");
-    run = ovo({"channel", name, "send", "8", "--text=card in", "--log-level=1"}); // the console shows the log
-    EXPECT_NE(run.err.find("sent 8: 63 61 72 64 20 69 6E"), std::string::npos) << run.err;
+    EXPECT_EQ(ovo({"channel", name, "send", "7", "01 02 FF"}), (ToolRun{0, "sent 3 bytes with identifier 7\n", ""}));
+    EXPECT_NE(ovo({"channel", name, "send", "8", "--text=card in", "--log-level=1"}).err.find("sent 8: 63 61 72 64 20 69 6E"),
+              std::string::npos); // the console shows the log
     EXPECT_EQ(ovo({"channel", name, "count"}).out, "2\n");
-    Bytes body;
-    ASSERT_TRUE(channel.recv(7, body));
-    EXPECT_EQ(body, (Bytes{1, 2, 0xFF}));
-    ASSERT_TRUE(channel.recv(8, body));
-    EXPECT_EQ(std::string(body.begin(), body.end()), "card in");
-
+    EXPECT_EQ(ovo({"channel", name, "recv", "8"}).out, "63 61 72 64 20 69 6E  \"card in\"\n");
+    EXPECT_EQ(ovo({"channel", name, "recv"}).out, "01 02 FF\n");
     char hi[] = "hi";
     ASSERT_TRUE(channel.send(9, hi, 2));
-    run = ovo({"channel", name, "recv", "9"});
-    EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.out, "68 69  \"hi\"\n");
-}
+    EXPECT_EQ(ovo({"channel", name, "recv", "9"}), (ToolRun{0, "68 69  \"hi\"\n", ""}));
 
-TEST_F(OvoToolTest, WatchAndMonitorShowTrafficUntilInterruptedOrThePeerGoes)
-{
-    const std::string name = "ovowatch-" + std::to_string(getpid());
-    ovo::ipc::MessageChannel channel(name, 65536);
     ovo_test::ChildProcess watcher("ovo", {"channel", name, "watch"}, path("watch"));
-    char body[] = "ready";
-    ASSERT_TRUE(channel.send(3, body, 5));
-    EXPECT_TRUE(shows(path("watch"), "72 65 61 64 79  \"ready\"\n"));
+    ASSERT_TRUE(channel.send(3, hi, 2));
+    EXPECT_TRUE(shows(path("watch"), "68 69  \"hi\"\n"));
     EXPECT_EQ(watcher.interrupt(), 0);
     EXPECT_EQ(channel.inQueue(), 0u);
+}
 
+TEST_F(OvoToolTest, SerialMonitorShowsTrafficUntilThePeerGoes)
+{
     ovo_test::ChildProcess monitor("ovo", {"serial", "--port=device=" + openPty(), "monitor"}, path("monitor"));
     bool shown = false;
     for (int attempt = 0; attempt < 5 && !shown; ++attempt) { // bytes sent before the port opened may go
         ASSERT_EQ(write(peer_, "\x02OK\x03", 4), 4);
         shown = shows(path("monitor"), " 02 4F 4B 03 ", std::chrono::seconds(1));
     }
-    EXPECT_TRUE(shown) << ovo_test::readFile(path("monitor"));
-    EXPECT_EQ(ovo_test::readFile(path("monitor")).rfind("00000000  02 4F 4B 03 ", 0), 0u);
-    std::this_thread::sleep_for(std::chrono::milliseconds(300)); // quiet times are no failure
+    EXPECT_EQ(ovo_test::readFile(path("monitor")).rfind("00000000  02 4F 4B 03 ", 0), 0u) << shown;
+    std::this_thread::sleep_for(milliseconds(300)); // quiet times are no failure
     ASSERT_EQ(write(peer_, "\x06", 1), 1);
     EXPECT_TRUE(shows(path("monitor"), " 06 ")) << ovo_test::readFile(path("monitor"));
     close(peer_); // the peer goes away: the monitor ends, as a failure, before the interrupt
@@ -216,70 +194,74 @@ TEST_F(OvoToolTest, WatchAndMonitorShowTrafficUntilInterruptedOrThePeerGoes)
 TEST_F(OvoToolTest, SerialTransfersEndWithinTheTimeoutOfTheWholeCommand)
 {
     const std::string name = openPty(), settings = "--port=device=" + name + ";baud=9600";
-
     // The console stays quiet; the log file has what the library said.
-    ToolRun run = ovo({"serial", settings, "--log-dir=" + path(""), "send", "41 42 43"});
-    EXPECT_EQ(run.status, 0) << run.err;
-    EXPECT_EQ(run.out, "sent 3 of 3 bytes\n");
-    EXPECT_EQ(run.err, "");
+    EXPECT_EQ(ovo({"serial", settings, "--log-dir=" + path(""), "send", "41 42 43"}), (ToolRun{0, "sent 3 of 3 bytes\n", ""}));
     EXPECT_NE(ovo_test::readFile(path(ovo_test::todaysLogFile("ovo"))).find("openDevice( '" + name + "' ) OK"), std::string::npos);
     char got[3] = {};
-    ASSERT_EQ(read(peer_, got, 3), 3);
-    EXPECT_EQ(std::string(got, 3), "ABC");
+    EXPECT_TRUE(read(peer_, got, 3) == 3 && std::string(got, 3) == "ABC");
 
-    using std::chrono::milliseconds;
     std::string many41;
     for (int i = 0; i < 4096; ++i)
         many41 += "41 ";
     const struct {
         std::string arrived;
         std::vector<std::string> words;
-        int status;
-        std::string out;
-        const char* err;
+        ToolRun result;
         milliseconds least, most;
     } cases[] = {
-        {"\x01\x02", {"serial", settings, "--timeout=2000", "recv", "2"}, 0, "01 02\n", "", milliseconds(0), milliseconds(1500)},
-        {"\x05", {"serial", settings, "--timeout=1000", "recv", "2"}, 1, "05\n", "ovo serial: received 1 of 2 bytes\n", milliseconds(950), milliseconds(1700)},
-        {"", {"serial", settings, "--timeout=0", "recv", "1"}, 1, "(nothing)\n", "ovo serial: received 0 of 1 bytes\n", milliseconds(0), milliseconds(1000)},
-        {"", {"serial", settings, "--timeout=10", "recv", "4000000000"}, 1, "(nothing)\n", "ovo serial: received 0 of 4000000000 bytes\n", milliseconds(0), milliseconds(1000)},
-        {std::string(5000, 'A'), {"serial", settings, "recv", "4097"}, 0, many41 + "41\n", "", milliseconds(0), milliseconds(1500)}, // pieces
+        {"\x01\x02", {"--timeout=2000", "recv", "2"}, {0, "01 02\n", ""}, milliseconds(0), milliseconds(1500)},
+        {"\x05", {"--timeout=1000", "recv", "2"}, {1, "05\n", "ovo serial: received 1 of 2 bytes\n"}, milliseconds(950), milliseconds(1700)},
+        {"", {"--timeout=0", "recv", "1"}, {1, "(nothing)\n", "ovo serial: received 0 of 1 bytes\n"}, milliseconds(0), milliseconds(1000)},
+        {"", {"--timeout=10", "recv", "4000000000"}, {1, "(nothing)\n", "ovo serial: received 0 of 4000000000 bytes\n"}, milliseconds(0), milliseconds(1000)},
+        {std::string(5000, 'A'), {"recv", "4097"}, {0, many41 + "41\n", ""}, milliseconds(0), milliseconds(1500)}, // pieces
     };
     for (const auto& c : cases) {
         ASSERT_EQ(write(peer_, c.arrived.data(), c.arrived.size()), static_cast<ssize_t>(c.arrived.size()));
+        std::vector<std::string> words{"serial", settings};
+        words.insert(words.end(), c.words.begin(), c.words.end());
         const auto start = std::chrono::steady_clock::now();
-        run = ovo(c.words);
+        EXPECT_EQ(ovo(words), c.result);
         const auto took = std::chrono::steady_clock::now() - start;
-        EXPECT_EQ(run.status, c.status) << c.err;
-        EXPECT_EQ(run.out, c.out);
-        EXPECT_EQ(run.err, c.err);
-        EXPECT_GE(took, c.least) << c.err;
-        EXPECT_LE(took, c.most) << c.err;
+        EXPECT_TRUE(took >= c.least && took <= c.most) << std::chrono::duration_cast<milliseconds>(took).count() << " ms";
     }
 
     // A peer that does not read takes what fits, and --timeout=0 waits for nothing more.
-    run = ovo({"serial", settings, "--timeout=0", "send", std::string(120000, '7')});
-    EXPECT_EQ(run.status, 1);
+    const ToolRun run = ovo({"serial", settings, "--timeout=0", "send", std::string(120000, '7')});
     const std::string sent = run.out.substr(5, run.out.find(' ', 5) - 5);
-    EXPECT_EQ(run.out, "sent " + sent + " of 60000 bytes\n");
-    EXPECT_EQ(run.err, "ovo serial: the device took " + sent + " of 60000 bytes\n");
+    EXPECT_EQ(run, (ToolRun{1, "sent " + sent + " of 60000 bytes\n", "ovo serial: the device took " + sent + " of 60000 bytes\n"}));
 }
 
-// The card tests need pcscd with the virtual reader; the virtual card is started here.
+TEST_F(OvoToolTest, PortsAsATableAndAsJsonShowWhatTheLibraryFinds)
+{
+    const std::string json = ovo({"ports", "--json"}).out;
+    EXPECT_TRUE(json.front() == '[' && json.substr(json.size() - 2) == "]\n") << json;
+    auto values = jsonValues(json);
+    std::istringstream table(ovo({"ports"}).out);
+    std::string header, line;
+    std::getline(table, header);
+    std::size_t i = 0;
+    for (const ovo::io::SerialPortInfo& port : ovo::io::listSerialPorts()) {
+        EXPECT_EQ(values["name"].at(i) + "|" + values["description"].at(i), port.deviceName + "|" + port.description);
+        ASSERT_TRUE(std::getline(table, line));
+        EXPECT_EQ(line.rfind(port.deviceName + " ", 0), 0u) << line;
+        EXPECT_EQ(line.find(port.description, port.deviceName.size()), header.find("DESCRIPTION")) << line; // in its column
+        ++i;
+    }
+    EXPECT_EQ(values["name"].size(), i);
+    EXPECT_FALSE(std::getline(table, line));
+}
+
+// Needs pcscd with the virtual reader; the virtual card starts here and the last test stops it.
 class OvoToolCardTest : public OvoToolTest {
 protected:
     static void SetUpTestSuite()
     {
         if (ovo_test::readerListed()) {
-            card = new ovo_test::VirtualCard;
+            card.reset(new ovo_test::VirtualCard);
             cardReady = ovo_test::waitForCard(true, std::chrono::seconds(15));
         }
     }
-    static void TearDownTestSuite()
-    {
-        delete card;
-        card = nullptr;
-    }
+    static void TearDownTestSuite() { card.reset(); }
     void SetUp() override
     {
         if (!ovo_test::readerListed())
@@ -287,32 +269,29 @@ protected:
         ASSERT_TRUE(cardReady);
     }
 
-    static ovo_test::VirtualCard* card;
-    static bool cardReady;
+    static inline std::unique_ptr<ovo_test::VirtualCard> card;
+    static inline bool cardReady = false;
+    const std::string reader = ovo_test::readerName, atr = "3B 95 13 81 01 80 73 FF 01 00 0B";
 };
-ovo_test::VirtualCard* OvoToolCardTest::card = nullptr;
-bool OvoToolCardTest::cardReady = false;
 
 TEST_F(OvoToolCardTest, ReadersShowTheCardAndItsAtr)
 {
     const ToolRun run = ovo({"readers"});
     EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.out.rfind("Virtual PCD 00 00: card, ATR 3B ", 0), 0u) << run.out;
+    EXPECT_EQ(run.out.rfind(reader + ": card, ATR " + atr + "\n", 0), 0u) << run.out;
+    auto readers = jsonValues(ovo({"readers", "--json"}).out);
+    EXPECT_EQ(readers["reader"].at(0) + " " + readers["card"].at(0) + " " + readers["atr"].at(0), reader + " true " + atr);
 }
 
 TEST_F(OvoToolCardTest, ApduPrintsResponsesAndSucceedsOnlyWhenAllDo)
 {
-    ToolRun run = ovo({"apdu", "00 A4 00 0C 02 3F 00"});
-    EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.out, "-> 00 A4 00 0C 02 3F 00\n<- 90 00  9000: success\n");
-    run = ovo({"apdu", "--reader=Virtual PCD 00 00", "00A4000C023F00", "00B0000010", "00A4000C021234"});
+    EXPECT_EQ(ovo({"apdu", "00 A4 00 0C 02 3F 00"}), (ToolRun{0, "-> 00 A4 00 0C 02 3F 00\n<- 90 00  9000: success\n", ""}));
+    const ToolRun run = ovo({"apdu", "--reader=Virtual PCD 00 00", "00A4000C021234", "00B0000010", "00A4000C023F00"});
     EXPECT_EQ(run.status, 1);
-    EXPECT_NE(run.out.find("<- 69 86  6986: command not allowed (no current EF)\n"), std::string::npos) << run.out;
     EXPECT_NE(run.out.find("<- 6A 82  6A82: file or application not found\n"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("<- 69 86  6986: command not allowed (no current EF)\n"), std::string::npos) << run.out;
     EXPECT_EQ(run.err, "ovo apdu: a response was no success\n");
-    run = ovo({"apdu", "--reader=Nowhere", "00A4000C023F00"});
-    EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.err.rfind("ovo apdu: no reader 'Nowhere'; the readers are 'Virtual PCD 00 00'", 0), 0u) << run.err;
+    EXPECT_EQ(ovo({"apdu", "--reader=Nowhere", "00A4000C023F00"}).err.rfind("ovo apdu: no reader 'Nowhere'; the readers are 'Virtual PCD 00 00'", 0), 0u);
 }
 
 TEST_F(OvoToolCardTest, TheDemoRunsEveryPartAndSaysWhereTheLogIs)
@@ -322,8 +301,25 @@ TEST_F(OvoToolCardTest, TheDemoRunsEveryPartAndSaysWhereTheLogIs)
     EXPECT_NE(run.out.find("card: ok, channel: ok, serial: ok"), std::string::npos) << run.out;
     const std::string logLine = run.out.substr(run.out.find("the log file is ") + 16);
     const std::string log = ovo_test::readFile(logLine.substr(0, logLine.find('\n')));
-    EXPECT_EQ(log.rfind("# ovo tool log\n", 0), 0u);
-    EXPECT_NE(log.find("-> 00 A4 00 0C 02 3F 00"), std::string::npos);
+    EXPECT_TRUE(log.rfind("# ovo tool log\n", 0) == 0 && log.find("-> 00 A4 00 0C 02 3F 00") != std::string::npos) << log;
+}
+
+TEST_F(OvoToolCardTest, ReadersWatchShowsWhatIsThereAndTheCardGoing)
+{
+    ovo_test::ChildProcess watch("ovo", {"readers", "--watch"}, path("watch"));
+    ovo_test::ChildProcess jsonWatch("ovo", {"readers", "--watch", "--json"}, path("watch.json"));
+    EXPECT_TRUE(shows(path("watch"), " card inserted: " + reader + ", ATR " + atr + "\n"));
+    EXPECT_TRUE(shows(path("watch.json"), "\"event\":\"card inserted\",\"reader\":\"" + reader + "\",\"atr\":\"" + atr + "\"}\n"));
+    card.reset();
+    EXPECT_TRUE(shows(path("watch"), " card removed: "));
+    EXPECT_TRUE(shows(path("watch.json"), "\"event\":\"card removed\""));
+    EXPECT_EQ(watch.interrupt(), 0);
+    EXPECT_EQ(jsonWatch.interrupt(), 0);
+    // Each line with the time: the text from the hour on, the JSON whole.
+    const std::string time = "\\d\\d:\\d\\d:\\d\\d\\.\\d{3}";
+    EXPECT_TRUE(std::regex_search(ovo_test::readFile(path("watch")), std::regex("(^|\n)" + time + " card removed: " + reader + "\n")));
+    EXPECT_TRUE(std::regex_search(ovo_test::readFile(path("watch.json")),
+                                  std::regex("(^|\n)\\{\"time\":\"\\d{4}-\\d\\d-\\d\\dT" + time + "\",\"event\":\"card removed\",\"reader\":\"" + reader + "\"\\}\n")));
 }
 
 } // namespace
