@@ -15,6 +15,7 @@ TEST(Format, FormatsLikePrintfWithoutALimit)
     EXPECT_EQ(ovo::format("%s=%d [%-*s] %08X %lu %c", "key", -7, 6, "ab", 0xBEEFu, 4294967295ul, 'z'),
               "key=-7 [ab    ] 0000BEEF 4294967295 z");
     EXPECT_EQ(ovo::format("%s", ""), "");
+    EXPECT_EQ(ovo::format("%c", 'x'), "x"); // a one-byte result
     EXPECT_EQ(ovo::format("a%cb", 0), std::string("a\0b", 3)); // the length is the formatter's count
     const std::string big(100000, 'x');
     EXPECT_EQ(ovo::format("<%s>", big.c_str()), "<" + big + ">");
