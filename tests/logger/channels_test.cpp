@@ -2,11 +2,11 @@
 #include <ovo/logger/formatters.h>
 #include <ovo/logger/logger.h>
 
-#include "support/clog_capture.h"
 #include "support/recording_channel.h"
 
 #include <gtest/gtest.h>
 
+#include <iostream>
 #include <memory>
 #include <sstream>
 #include <stdexcept>
@@ -15,10 +15,21 @@
 #include <vector>
 
 using namespace ovo::logger;
-using ovo_test::ClogCapture;
 using ovo_test::RecordingChannel;
 
 namespace {
+
+// Swaps std::clog's buffer for a string buffer while it lives.
+class ClogCapture {
+public:
+    ClogCapture() : saved_(std::clog.rdbuf(buffer_.rdbuf())) {}
+    ~ClogCapture() { std::clog.rdbuf(saved_); }
+    std::string text() const { return buffer_.str(); }
+
+private:
+    std::ostringstream buffer_;
+    std::streambuf* saved_;
+};
 
 // Tags every message, so that tests can tell formatters apart; throws on "throw".
 struct TagFormatter : IMessageFormatter {

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <climits>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -16,7 +15,7 @@ TEST(Format, FormatsLikePrintfWithoutALimit)
     EXPECT_EQ(ovo::format("%s=%d [%-*s] %08X %lu %c", "key", -7, 6, "ab", 0xBEEFu, 4294967295ul, 'z'),
               "key=-7 [ab    ] 0000BEEF 4294967295 z");
     EXPECT_EQ(ovo::format("%s", ""), "");
-    EXPECT_EQ(ovo::format("%c", 'x'), "x");
+    EXPECT_EQ(ovo::format("%c", 'x'), "x"); // a one-byte result
     EXPECT_EQ(ovo::format("a%cb", 0), std::string("a\0b", 3)); // the length is the formatter's count
     const std::string big(100000, 'x');
     EXPECT_EQ(ovo::format("<%s>", big.c_str()), "<" + big + ">");
@@ -99,6 +98,5 @@ TEST(ByteOrder, SwapsAlways)
     EXPECT_EQ(ovo::ByteOrder::reorder16(0x1234), 0x3412);
     EXPECT_EQ(ovo::ByteOrder::reorder16(0x00FF), 0xFF00);
     EXPECT_EQ(ovo::ByteOrder::reorder32(0x12345678u), 0x78563412u);
-    for (unsigned int value : {0u, 0x80000000u, 0xDEADBEEFu, UINT_MAX})
-        EXPECT_EQ(ovo::ByteOrder::reorder32(ovo::ByteOrder::reorder32(value)), value);
+    EXPECT_EQ(ovo::ByteOrder::reorder32(0xDEADBEEFu), 0xEFBEADDEu);
 }
