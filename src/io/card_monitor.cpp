@@ -1,6 +1,7 @@
 #include <ovo/io/card_monitor.h>
 #include <ovo/strings.h>
 
+#include "io/scard_failure.h"
 #include "platform/pcsc_calls.h"
 
 #include <algorithm>
@@ -16,11 +17,6 @@ namespace ovo {
 namespace io {
 
 namespace {
-
-[[noreturn]] void fail(const char* call, scard::Result code)
-{
-    throw std::runtime_error(ovo::format("::%s() failed: SCard error: 0x%08X", call, code));
-}
 
 bool cardIn(std::uint32_t state) { return (state & scard::statePresent) != 0; }
 // The service counts insertions and removals in the upper half of a reader's state.
@@ -103,7 +99,7 @@ public:
         if (code == scard::cancelled || code == scard::timedOut)
             return;
         if (code != 0 && code != scard::unknownReader)
-            fail("SCardGetStatusChange", code);
+            failScard("SCardGetStatusChange", code);
         if (code == 0)
             for (std::size_t i = 0; i < readers.size(); ++i)
                 if ((states[i].eventState & scard::stateChanged) != 0)
@@ -116,7 +112,7 @@ CardMonitor::CardMonitor() : impl_(new CardMonitorImpl)
 {
     const scard::Result code = scard::SCardEstablishContext(scard::scopeUser, impl_->context);
     if (code != 0)
-        fail("SCardEstablishContext", code);
+        failScard("SCardEstablishContext", code);
 }
 
 CardMonitor::~CardMonitor() { scard::SCardReleaseContext(impl_->context); }

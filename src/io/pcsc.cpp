@@ -1,6 +1,7 @@
 #include <ovo/io/pcsc.h>
 #include <ovo/strings.h>
 
+#include "io/scard_failure.h"
 #include "platform/pcsc_calls.h"
 
 #include <algorithm>
@@ -21,13 +22,6 @@ const std::uint32_t atrRoom = 33;
 // Made once: a filtered trace then costs no string construction.
 const std::string commandTitle = "->";
 const std::string responseTitle = "<-";
-
-std::string errorText(scard::Result code) { return ovo::format("SCard error: 0x%08X", code); }
-
-[[noreturn]] void fail(const char* call, scard::Result code)
-{
-    throw std::runtime_error(ovo::format("::%s() failed: %s", call, errorText(code).c_str()));
-}
 
 } // namespace
 
@@ -51,7 +45,7 @@ pcsc::pcsc(const std::string& readerName, ovo::logger::ILogger& logger) : impl_(
 {
     const scard::Result code = scard::SCardEstablishContext(scard::scopeUser, impl_->context);
     if (code != 0)
-        throw std::runtime_error(errorText(code));
+        throw std::runtime_error(scardErrorText(code));
 }
 
 pcsc::~pcsc() { scard::SCardReleaseContext(impl_->context); }
@@ -64,7 +58,7 @@ void pcsc::connect()
                                                     scard::protocolT0orT1, impl_->card, impl_->activeProtocol);
     if (code != 0) {
         impl_->card = 0;
-        fail("SCardConnect", code);
+        failScard("SCardConnect", code);
     }
 }
 
@@ -87,7 +81,7 @@ apdu pcsc::exchange(const apdu& command)
     // Whatever length a failing platform reports, the trace stays inside the buffer.
     impl_->logger->traceHex(responseTitle, response, std::min(received, responseRoom));
     if (code != 0)
-        fail("SCardTransmit", code);
+        failScard("SCardTransmit", code);
     return apdu::fromBuffer(response, std::min(received, responseRoom));
 }
 
@@ -104,7 +98,7 @@ CardStatus pcsc::cardStatus(std::vector<unsigned char>& atr)
     const scard::Result code =
         scard::SCardStatusA(impl_->card, names, namesLength, state, protocol, atrBytes, atrLength);
     if (code != 0)
-        fail("SCardStatus", code);
+        failScard("SCardStatus", code);
     if (atrLength != 0)
         atr.assign(atrBytes, atrBytes + std::min(atrLength, atrRoom));
     return state >= cardAbsent && state <= cardSpecific ? static_cast<CardStatus>(state) : cardUnknown;

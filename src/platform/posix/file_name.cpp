@@ -20,5 +20,20 @@ std::string escapedFileName(const std::string& text)
     return escaped;
 }
 
+std::string unescapedFileName(const std::string& fileName)
+{
+    std::string text;
+    for (std::size_t i = 0; i < fileName.size(); ++i) {
+        unsigned byte;
+        if (fileName[i] == '%' && i + 2 < fileName.size() && std::sscanf(fileName.c_str() + i + 1, "%2X", &byte) == 1) {
+            text += static_cast<char>(byte);
+            i += 2;
+        } else {
+            text += fileName[i];
+        }
+    }
+    return text;
+}
+
 } // namespace posix
 } // namespace ovo

@@ -10,6 +10,8 @@ namespace ovo {
 namespace posix {
 
 std::string escapedFileName(const std::string& text);
+// The text again from such a file name.
+std::string unescapedFileName(const std::string& fileName);
 
 } // namespace posix
 } // namespace ovo

@@ -262,21 +262,6 @@ std::vector<std::string> userObjectPaths()
     return paths;
 }
 
-std::string unescaped(const std::string& text)
-{
-    std::string plain;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        unsigned byte;
-        if (text[i] == '%' && i + 2 < text.size() && std::sscanf(text.c_str() + i + 1, "%2X", &byte) == 1) {
-            plain += static_cast<char>(byte);
-            i += 2;
-        } else {
-            plain += text[i];
-        }
-    }
-    return plain;
-}
-
 } // namespace
 
 std::vector<ObjectFile> userObjects()
@@ -292,7 +277,7 @@ std::vector<ObjectFile> userObjects()
             header = Header{}; // not an object's file
         const std::string fileName = path.substr(std::strlen(directory) + userFilePrefix().size());
         const bool live = !byteFree(fd, guardByte) || !byteFree(fd, livenessByte);
-        objects.push_back(ObjectFile{unescaped(fileName), header.kind, live, header.dataSize});
+        objects.push_back(ObjectFile{unescapedFileName(fileName), header.kind, live, header.dataSize});
         close(fd);
     }
     return objects;
