@@ -121,7 +121,7 @@ BOOL SerialPort::read(void* buffer, DWORD size, DWORD& done)
     const bool atOnce = noInterval && t.ReadTotalTimeoutMultiplier == 0 && t.ReadTotalTimeoutConstant == 0;
     const bool firstByteEnds = noInterval && t.ReadTotalTimeoutMultiplier == MAXDWORD &&
                                t.ReadTotalTimeoutConstant != 0 && t.ReadTotalTimeoutConstant != MAXDWORD;
-    const bool noTotal = atOnce || (t.ReadTotalTimeoutMultiplier == 0 && t.ReadTotalTimeoutConstant == 0);
+    const bool noTotal = t.ReadTotalTimeoutMultiplier == 0 && t.ReadTotalTimeoutConstant == 0;
     const auto deadline = firstByteEnds ? deadlineOf(0, 0, t.ReadTotalTimeoutConstant)
                           : noTotal     ? never
                                         : deadlineOf(t.ReadTotalTimeoutMultiplier, size, t.ReadTotalTimeoutConstant);
