@@ -113,16 +113,17 @@ TEST_F(RegistryStoreTest, ValuesKeepTheirTypeAndBytes)
 }
 
 #if !defined(_WIN32)
-// On Linux a key is a directory and a value a file in it: no name reaches outside the
-// store, and what stands there without being a value is none.
+// On Linux a key is a directory and a value a file in it: every name Windows takes stays
+// inside the store, and what stands there without being a value is none.
 TEST_F(RegistryStoreTest, NamesStayInsideTheStore)
 {
-    for (const char* name : {"..\\..\\..\\escape", "a/b", "..", ".", "a\\\\b", "\\a"}) {
+    for (const char* name : {"..\\..\\..\\escape", "a/b", "..", ".", "a\\\\b"}) {
         registry other(HKEY_CURRENT_USER, base);
-        EXPECT_FALSE(other.createAndOpen(name, allAccess)) << name;
+        EXPECT_TRUE(other.createAndOpen(name, allAccess)) << name;
     }
     registry root(HKEY_CURRENT_USER);
-    EXPECT_FALSE(root.createAndOpen("..\\escape", allAccess));
+    EXPECT_TRUE(root.createAndOpen("..\\escape", allAccess));
+    EXPECT_FALSE(root.createAndOpen("\\escape", allAccess)); // a leading backslash, as on Windows
     store.setStringValue("../../escape", "kept inside");
     EXPECT_EQ(store.queryStringValue("../../escape", ""), "kept inside");
     EXPECT_FALSE(std::filesystem::exists(config.path().parent_path() / "escape"));
