@@ -1,0 +1,63 @@
+// The registry: key names, case, value types and sizes, defaults.
+#include "observe.h"
+
+#include <ovo/win32/registry.h>
+
+using ovo::win32::registry;
+using parity::show;
+
+static const unsigned long allAccess = 0xF003F, readOnly = 0x20019;
+
+// A key under the base key of this run (the base key itself for ""), made when it may write.
+static registry key(const std::string& name, unsigned long access = allAccess)
+{
+    registry opened(HKEY_CURRENT_USER, "Software\\ovo-parity\\" + parity::tag);
+    access == allAccess ? opened.createAndOpen(name, access) : opened.open(name, access);
+    return opened;
+}
+
+int main()
+{
+    // Each key is made, marked, and opened again by the second name: the mark read back tells
+    // whether both name one key and whether the key was new.
+    const std::string names[][2] = {
+        {"plain", "plain"}, {"", ""}, {"text/plain", "text/plain"}, {".", "."}, {"..", ".."}, {"a\\..", "a\\.."},
+        {"%v", "%v"}, {"*?<>|:\"", "*?<>|:\""}, {"a\\\\b", "a\\b"}, {"trailing\\", "trailing"}, {"Case", "CASE"},
+        {"\\leading", "\\leading"}, {std::string(255, 'k'), std::string(255, 'k')},
+        {std::string(255, '%'), std::string(255, '%')}, {std::string(256, 'k'), std::string(256, 'k')}};
+    unsigned long mark = 0;
+    for (const auto& [name, again] : names)
+        show("key " + parity::quoted(name) + " as " + parity::quoted(again), [&] {
+            registry made = key("");
+            if (!made.createAndOpen(name, allAccess))
+                return std::string("refused");
+            const std::string found = made.queryDWORDValue("Mark", 0) == 0 ? "new" : "marked before";
+            made.setDWORDValue("Mark", ++mark);
+            const unsigned long read = key(again, readOnly).queryDWORDValue("MARK", 0);
+            return found + (read == mark ? ", opened again" : read == 0 ? ", not found" : ", another key");
+        });
+    show("key '\\Software' under no base",
+         [] { return parity::yesNo(registry(HKEY_CURRENT_USER).createAndOpen("\\Software", allAccess)); });
+    show("key name", [] { return key("x").keyName(); });
+    // Each value is set as text (or as a DWORD, or not at all), then read as a DWORD and as text.
+    for (const char* text : {"none", "dword", "", "x", "abc", "long text"})
+        show(std::string("value ") + parity::quoted(text), [&] {
+            const registry values = key("values");
+            values.deleteValue("v");
+            if (std::string(text) == "dword")
+                values.setDWORDValue("v", 9);
+            else if (std::string(text) != "none")
+                values.setStringValue("v", text);
+            return std::to_string(values.queryDWORDValue("v", 7)) + " / '" + values.queryStringValue("v", "none") + "'";
+        });
+    show("unnamed value",
+         [] { return key("values").setStringValue("", "u"), key("values").queryStringValue("", "none"); });
+    show("value name of 300 characters", [] {
+        return key("values").setDWORDValue(std::string(300, 'V'), 3),
+               std::to_string(key("values").queryDWORDValue(std::string(300, 'v'), 0));
+    });
+    show("write through a read-only key", [] {
+        return key("ro").setDWORDValue("w", 1), key("ro", readOnly).setDWORDValue("w", 2),
+               std::to_string(key("ro").queryDWORDValue("w", 0));
+    });
+}
