@@ -40,7 +40,7 @@ int main()
          [] { return parity::yesNo(registry(HKEY_CURRENT_USER).createAndOpen("\\Software", allAccess)); });
     show("key name", [] { return key("x").keyName(); });
     // Each value is set as text (or as a DWORD, or not at all), then read as a DWORD and as text.
-    for (const char* text : {"none", "dword", "", "x", "abc", "long text"})
+    for (const char* text : {"none", "dword", "", "x", "abc", "abcd", "long text"})
         show(std::string("value ") + parity::quoted(text), [&] {
             const registry values = key("values");
             values.deleteValue("v");

@@ -110,9 +110,9 @@ LONG describe(HKEY handle, RegistryKey& key)
     return ERROR_SUCCESS;
 }
 
-// Escaped names longer than this go by a hash (file names end at 255 bytes).
-const std::size_t longestPlainName = 200;
-const std::size_t longestKeyName = 255; // characters of one element, as on Windows
+const std::size_t longestFileName = 255;  // NAME_MAX of the usual file systems
+const std::size_t longestPlainName = 200; // of a value's file name; longer ones go by a hash
+const std::size_t longestKeyName = 255;   // characters of one element, as on Windows
 
 // A name as a prefix and the 64-bit FNV-1a hash of the name in hex.
 std::string hashedName(const char* prefix, const std::string& name)
@@ -128,14 +128,15 @@ std::string hashedName(const char* prefix, const std::string& name)
 // One element of a key path as a directory name: folded to lower case (names compare
 // without case) and escaped, so that ordinary names stay as they are and every other name
 // Windows takes stays inside the store: "." and ".." become %2E and %2E%2E, a name whose
-// escaping is too long goes by its hash behind "%k" (no escaped name starts so).
+// escaping is too long for a file name goes by its hash behind "%k" (no escaped name
+// starts so).
 std::string encodedElement(const std::string& element)
 {
     const std::string folded = ovo::toLower(element);
     if (folded == "." || folded == "..")
         return folded == "." ? "%2E" : "%2E%2E";
     const std::string escaped = ovo::posix::escapedFileName(folded);
-    return escaped.size() <= longestPlainName ? escaped : hashedName("%k", folded);
+    return escaped.size() <= longestFileName ? escaped : hashedName("%k", folded);
 }
 
 // The directories from the key's own down to the sub-key's. As on Windows a key name holds
