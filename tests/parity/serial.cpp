@@ -1,4 +1,4 @@
-// Serial ports: opening odd names, configuring what is no serial port.
+// Serial ports: opening odd names, configuring a device that is no serial port.
 #include "observe.h"
 
 #include <ovo/io/serial_io.h>
@@ -17,5 +17,4 @@ int main()
             config.setBaudRate(9600);
             return ovo::io::SerialIO(config), "opened";
         });
-    parity::show("config with baud 'fast'", [] { return ovo::io::SerialConfig::fromString("baud=fast").toString(); });
 }
