@@ -130,6 +130,10 @@ TEST_F(RegistryStoreTest, NamesStayInsideTheStore)
     EXPECT_FALSE(std::filesystem::exists(config.path() / "ovosystem/escape"));
 
     const auto keyDirectory = config.path() / "ovosystem/registry/software/ovotest/key";
+    registry longest(HKEY_CURRENT_USER, base), tooLong(HKEY_CURRENT_USER, base); // Windows' limit: 255 characters
+    EXPECT_TRUE(longest.createAndOpen(std::string(255, 'k'), allAccess));
+    EXPECT_FALSE(tooLong.createAndOpen(std::string(256, 'k'), allAccess));
+    EXPECT_TRUE(std::filesystem::is_directory(keyDirectory.parent_path() / std::string(255, 'k'))); // named as before
     ASSERT_EQ(::mkfifo((keyDirectory / "%vfifo").c_str(), 0600), 0);
     EXPECT_EQ(store.queryStringValue("fifo", "none"), "none"); // at once, not blocked on the FIFO
 
