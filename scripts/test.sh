@@ -8,6 +8,9 @@
 #   tsan    the test suite under ThreadSanitizer
 #   win64   the Windows 64-bit build, its test suite under Wine (its ZIP package among
 #           them, run on a clean Wine prefix)
+#   parity  the parity scenarios of the linux and win64 builds, run natively and under
+#           Wine, their outputs compared (tests/parity/known_differences.txt lists the
+#           differences kept)
 #   win32   the Windows 32-bit build, compiled and linked, and its ZIP package
 #   package the Debian packages (lintian, unpacked into a scratch root, a client and every
 #           example built against it and run)
@@ -22,7 +25,7 @@ builds=${OVO_BUILD_ROOT:-$root/build}
 jobs=${OVO_JOBS:-$(nproc)}
 fuzzSeconds=${OVO_FUZZ_SECONDS:-10}
 suites=("$@")
-[ ${#suites[@]} -gt 0 ] || suites=(linux docs asan tsan win64 win32 package fuzz bench)
+[ ${#suites[@]} -gt 0 ] || suites=(linux docs asan tsan win64 parity win32 package fuzz bench)
 
 packages=(cmake ninja-build g++ pkg-config util-linux googletest libgtest-dev libbenchmark-dev libspdlog-dev libboost-dev
           clang libclang-rt-14-dev g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix wine64
@@ -99,6 +102,16 @@ suite_win64() {
         runTests win64
     local status=$?
     WINEPREFIX=$builds/win64/wineprefix /usr/lib/wine/wineserver64 -k 2>/dev/null
+    return $status
+}
+
+suite_parity() {
+    [ -x "$builds/linux/bin/parity_registry" ] || suite_linux || return 1
+    [ -f "$builds/win64/bin/parity_registry.exe" ] || suite_win64 || return 1
+    "$root/tests/parity/compare.sh" "$builds/linux" "$builds/win64"
+    local status=$?
+    WINEPREFIX=$builds/win64/wineprefix /usr/lib/wine/wineserver64 -k 2>/dev/null
+    if [ $status -eq 0 ]; then passed=$((passed + 1)); else failed=$((failed + 1)); fi
     return $status
 }
 

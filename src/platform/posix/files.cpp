@@ -2,6 +2,7 @@
 #include "platform/posix/file_object.h"
 #include "platform/posix/system_calls.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -62,14 +63,26 @@ namespace {
 
 const char devicePrefix[] = "\\\\.\\";
 
-// "\\.\NAME" names the device /dev/NAME, or NAME itself when it is an absolute path.
+// "\\.\NAME" names the device /dev/NAME, or NAME itself when it is an absolute path; the
+// path is empty for the names Windows refuses ("", "." and "..").
 bool devicePath(const char* fileName, std::string& path)
 {
     if (std::strncmp(fileName, devicePrefix, sizeof devicePrefix - 1) != 0)
         return false;
-    const char* name = fileName + sizeof devicePrefix - 1;
-    path = name[0] == '/' ? name : std::string("/dev/") + name;
+    const std::string name = fileName + sizeof devicePrefix - 1;
+    const bool valid = name != "" && name != "." && name != "..";
+    path = !valid ? std::string() : name[0] == '/' ? name : "/dev/" + name;
     return true;
+}
+
+// A missing file is ERROR_FILE_NOT_FOUND on Windows, a missing directory on its way
+// ERROR_PATH_NOT_FOUND.
+DWORD missingFileCode(const std::string& path)
+{
+    const std::size_t slash = path.find_last_of('/');
+    const std::string directory = slash == std::string::npos ? "." : slash == 0 ? "/" : path.substr(0, slash);
+    struct stat status;
+    return ::stat(directory.c_str(), &status) == 0 ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND;
 }
 
 int openFlags(DWORD desiredAccess, DWORD disposition)
@@ -133,6 +146,11 @@ HANDLE CreateFileA(LPCSTR fileName, DWORD desiredAccess, DWORD shareMode, LPSECU
     }
     std::string path = fileName;
     const bool device = ovo::posix::devicePath(fileName, path);
+    if (device && path.empty()) {
+        SetLastError(ERROR_INVALID_NAME);
+        return INVALID_HANDLE_VALUE;
+    }
+    std::replace(path.begin(), path.end(), '\\', '/'); // Windows separates by either
     flags |= O_NONBLOCK; // regular files ignore it; serial ports keep it
     if (device)
         flags = (flags & ~O_CREAT) | O_NOCTTY; // a device is never made here
@@ -140,6 +158,10 @@ HANDLE CreateFileA(LPCSTR fileName, DWORD desiredAccess, DWORD shareMode, LPSECU
     do
         descriptor = sys::open(path.c_str(), flags, 0666);
     while (descriptor < 0 && errno == EINTR);
+    if (descriptor < 0 && errno == ENOENT) {
+        SetLastError(ovo::posix::missingFileCode(path));
+        return INVALID_HANDLE_VALUE;
+    }
     if (descriptor < 0) {
         setLastErrorFromErrno(errno == ENXIO && !device ? EACCES : errno); // a FIFO with no reader
         return INVALID_HANDLE_VALUE;

@@ -2,7 +2,9 @@
 // flock(): a handle opened for writing without FILE_SHARE_WRITE keeps an exclusive lock,
 // so that a second such open fails with ERROR_SHARING_VIOLATION, as on Windows. A plain
 // path opens a regular file only and "\\.\NAME" a character device only: anything else
-// (a FIFO, a directory) gives ERROR_ACCESS_DENIED at once instead of blocking.
+// (a FIFO, a directory) gives ERROR_ACCESS_DENIED at once instead of blocking. As on
+// Windows, '\' separates like '/', a missing directory on the way is ERROR_PATH_NOT_FOUND,
+// and the device names "", "." and ".." are ERROR_INVALID_NAME.
 #ifndef OVO_SRC_PLATFORM_POSIX_FILES_H
 #define OVO_SRC_PLATFORM_POSIX_FILES_H
 

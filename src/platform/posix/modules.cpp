@@ -7,22 +7,40 @@
 #include <cstring>
 #include <dlfcn.h>
 #include <string>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
 
 thread_local std::string lastLoadFailure;
 
+bool isDirectory(const char* path)
+{
+    struct stat status;
+    return ::stat(path, &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+// The code Windows gives for a file the loader refused. Windows adds ".dll" to a name
+// without a suffix, so a directory is found (and refused) only by a name that ends in a
+// dot; any other directory name is a module that is not there.
+DWORD loadFailureCode(const char* fileName)
+{
+    if (isDirectory(fileName))
+        return fileName[std::strlen(fileName) - 1] == '.' ? ERROR_ACCESS_DENIED : ERROR_MOD_NOT_FOUND;
+    return lastLoadFailure.find("No such file") != std::string::npos ? ERROR_MOD_NOT_FOUND : ERROR_BAD_EXE_FORMAT;
+}
+
 } // namespace
 
+// dlopen("") would give the main program; Windows finds no module of that name.
 HMODULE LoadLibraryA(LPCSTR fileName)
 {
-    void* const module = fileName != nullptr ? ::dlopen(fileName, RTLD_NOW | RTLD_LOCAL) : nullptr;
+    const bool named = fileName != nullptr && fileName[0] != '\0';
+    void* const module = named ? ::dlopen(fileName, RTLD_NOW | RTLD_LOCAL) : nullptr;
     if (module == nullptr) {
-        const char* reason = fileName != nullptr ? ::dlerror() : "no file name";
+        const char* reason = named ? ::dlerror() : "no file name";
         lastLoadFailure = reason != nullptr ? reason : "";
-        SetLastError(lastLoadFailure.find("No such file") != std::string::npos ? ERROR_MOD_NOT_FOUND
-                                                                               : ERROR_BAD_EXE_FORMAT);
+        SetLastError(named ? loadFailureCode(fileName) : ERROR_MOD_NOT_FOUND);
         return nullptr;
     }
     SetLastError(ERROR_SUCCESS);

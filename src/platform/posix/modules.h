@@ -13,8 +13,10 @@ const DWORD ERROR_PROC_NOT_FOUND = 127;
 const DWORD ERROR_BAD_EXE_FORMAT = 193;
 const DWORD ERROR_ENVVAR_NOT_FOUND = 203;
 
-// dlopen with the path unchanged; on failure ERROR_MOD_NOT_FOUND (no such file) or
-// ERROR_BAD_EXE_FORMAT, and dlerror()'s text kept for the thread (see loadFailureText).
+// dlopen with the path unchanged; on failure Windows' code: ERROR_MOD_NOT_FOUND for ""
+// (not the main program), a file that is not there or a directory, ERROR_ACCESS_DENIED for
+// a directory named with a final dot, ERROR_BAD_EXE_FORMAT for any other file, and
+// dlerror()'s text kept for the thread (see loadFailureText).
 HMODULE LoadLibraryA(LPCSTR fileName);
 BOOL FreeLibrary(HMODULE module);
 // A module this process has loaded already, without a further reference; the layer knows

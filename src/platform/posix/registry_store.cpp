@@ -110,26 +110,53 @@ LONG describe(HKEY handle, RegistryKey& key)
     return ERROR_SUCCESS;
 }
 
-// One element of a key path as a directory name; empty when the element is refused.
-std::string encodedElement(const std::string& element)
+const std::size_t longestFileName = 255;  // NAME_MAX of the usual file systems
+const std::size_t longestPlainName = 200; // of a value's file name; longer ones go by a hash
+const std::size_t longestKeyName = 255;   // characters of one element, as on Windows
+
+// A name as a prefix and the 64-bit FNV-1a hash of the name in hex.
+std::string hashedName(const char* prefix, const std::string& name)
 {
-    if (element.empty() || element == "." || element == ".." || element.find('/') != std::string::npos)
-        return std::string();
-    return ovo::posix::escapedFileName(ovo::toLower(element)); // names compare without case
+    std::uint64_t hash = 14695981039346656037ull;
+    for (unsigned char c : name)
+        hash = (hash ^ c) * 1099511628211ull;
+    char hex[17];
+    std::snprintf(hex, sizeof hex, "%016llx", static_cast<unsigned long long>(hash));
+    return prefix + std::string(hex);
 }
 
-// The directories from the key's own down to the sub-key's, or ERROR_BAD_PATHNAME.
+// One element of a key path as a directory name: folded to lower case (names compare
+// without case) and escaped, so that ordinary names stay as they are and every other name
+// Windows takes stays inside the store: "." and ".." become %2E and %2E%2E, a name whose
+// escaping is too long for a file name goes by its hash behind "%k" (no escaped name
+// starts so).
+std::string encodedElement(const std::string& element)
+{
+    const std::string folded = ovo::toLower(element);
+    if (folded == "." || folded == "..")
+        return folded == "." ? "%2E" : "%2E%2E";
+    const std::string escaped = ovo::posix::escapedFileName(folded);
+    return escaped.size() <= longestFileName ? escaped : hashedName("%k", folded);
+}
+
+// The directories from the key's own down to the sub-key's. As on Windows a key name holds
+// any character but the backslash, empty elements count for nothing ("a\\b" is "a\b",
+// "" the key itself), and a leading backslash or a name of more than 255 characters is
+// refused.
 LONG subKeyDirectories(const RegistryKey& key, LPCSTR subKey, std::vector<std::string>& directories)
 {
     directories.assign(1, key.directory);
     const std::string path = subKey != nullptr ? subKey : "";
-    for (std::size_t begin = 0; !path.empty() && begin <= path.size();) {
+    if (!path.empty() && path[0] == '\\')
+        return ERROR_BAD_PATHNAME;
+    for (std::size_t begin = 0; begin < path.size();) {
         const std::size_t end = std::min(path.find('\\', begin), path.size());
-        const std::string element = encodedElement(path.substr(begin, end - begin));
-        if (element.empty())
-            return ERROR_BAD_PATHNAME;
-        directories.push_back(directories.back() + "/" + element);
+        const std::string element = path.substr(begin, end - begin);
         begin = end + 1;
+        if (element.size() > longestKeyName)
+            return ERROR_INVALID_PARAMETER;
+        if (!element.empty())
+            directories.push_back(directories.back() + "/" + encodedElement(element));
     }
     return ERROR_SUCCESS;
 }
@@ -164,20 +191,14 @@ const char hashedValuePrefix[] = "%h";
 const char nextValueFile[] = "%next"; // the value being written, complete before the rename
 const char valueMagic[8] = {'O', 'V', 'O', 'V', 'A', 'L', '1', '\n'};
 const std::size_t headerSize = sizeof valueMagic + 4;
-const std::size_t longestPlainName = 200; // escaped; file names end at 255 bytes
 
 std::string valuePath(const std::string& directory, LPCSTR name)
 {
     const std::string folded = ovo::toLower(name != nullptr ? name : "");
     const std::string escaped = ovo::posix::escapedFileName(folded);
-    if (escaped.size() <= longestPlainName)
-        return directory + "/" + valuePrefix + escaped;
-    std::uint64_t hash = 14695981039346656037ull; // FNV-1a
-    for (unsigned char c : folded)
-        hash = (hash ^ c) * 1099511628211ull;
-    char hex[17];
-    std::snprintf(hex, sizeof hex, "%016llx", static_cast<unsigned long long>(hash));
-    return directory + "/" + hashedValuePrefix + hex;
+    const std::string file =
+        escaped.size() <= longestPlainName ? valuePrefix + escaped : hashedName(hashedValuePrefix, folded);
+    return directory + "/" + file;
 }
 
 bool isValueFile(const char* name)

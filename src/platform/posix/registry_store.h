@@ -5,9 +5,10 @@
 //   HKEY_LOCAL_MACHINE  the first of $XDG_CONFIG_DIRS (or /etc/xdg), then ovosystem/registry
 //
 // Key and value names compare without case, as on Windows: each is stored folded to lower
-// case, every byte but letters, digits and "._-" written as %XX, so that no name reaches
-// outside the tree; "." and ".." and empty key path elements are refused
-// (ERROR_BAD_PATHNAME). A value write renames a complete new file over the value's under
+// case, every byte but letters, digits and "._-" written as %XX ("." and ".." as %2E), so
+// that every name Windows takes is kept and none reaches outside the tree. As on Windows
+// empty key path elements count for nothing, and a leading backslash (ERROR_BAD_PATHNAME)
+// or a key name of more than 255 characters (ERROR_INVALID_PARAMETER) is refused. A value write renames a complete new file over the value's under
 // an exclusive lock of the key's directory: a set costs the value written, a query the
 // value read, and readers see the old or the new value, never a torn one, also when a
 // writer dies. RegFlushKey makes the key's values durable.

@@ -1,0 +1,36 @@
+// The daily file channel: directories, separators, suffixes; the files a message makes.
+#include "observe.h"
+
+#include <ovo/logger/file_log_channel.h>
+
+#include <filesystem>
+#include <memory>
+#include <regex>
+
+namespace fs = std::filesystem;
+
+struct MessageOnly : ovo::logger::IMessageFormatter {
+    std::string format(const std::string&, const std::string& message) override { return message + "\n"; }
+};
+
+int main()
+{
+    // The channel's directory and suffix, and the directory made before it writes.
+    const char* const cases[][3] = {{"scratch/none", "", ""}, {"scratch/logs", "", "logs"},
+                                    {"scratch/logs/sub", "", "logs/sub"}, {"scratch\\logs\\sub", "", "logs/sub"},
+                                    {"scratch/logs/", "", "logs"}, {"scratch/logs", "app", "logs"},
+                                    {"scratch/logs", "a/b", "logs"}};
+    for (const auto& [directory, suffix, made] : cases)
+        parity::show(std::string("directory '") + directory + "', suffix '" + suffix + "'", [&] {
+            fs::remove_all("scratch");
+            fs::create_directories(std::string("scratch/") + made);
+            ovo::logger::FileLogChannel channel(directory, suffix);
+            channel.setFormatter(std::make_shared<MessageOnly>());
+            channel.write("parity", "one message");
+            std::string seen = "files:"; // one at most, the day's date as DATE
+            for (const auto& entry : fs::recursive_directory_iterator("scratch"))
+                if (entry.is_regular_file())
+                    seen += " " + entry.path().generic_string() + " (" + std::to_string(entry.file_size()) + ")";
+            return std::regex_replace(seen, std::regex("\\d{4}-\\d\\d-\\d\\d"), "DATE");
+        });
+}
