@@ -7,7 +7,7 @@
 #   asan    the test suite under AddressSanitizer and UndefinedBehaviorSanitizer
 #   tsan    the test suite under ThreadSanitizer
 #   win64   the Windows 64-bit build, its test suite under Wine (its ZIP package among
-#           them, run on a clean Wine prefix)
+#           them, run on a clean Wine prefix) and the ovo tool under Wine
 #   win32   the Windows 32-bit build, compiled and linked, and its ZIP package
 #   package the Debian packages (lintian, unpacked into a scratch root, a client and every
 #           example built against it and run)
@@ -95,9 +95,15 @@ suite_tsan() {
 }
 
 suite_win64() {
-    configureAndBuild win64 -DCMAKE_TOOLCHAIN_FILE="$root/cmake/toolchains/mingw-w64-x86_64.cmake" &&
-        runTests win64
+    configureAndBuild win64 -DCMAKE_TOOLCHAIN_FILE="$root/cmake/toolchains/mingw-w64-x86_64.cmake" || return 1
+    runTests win64
     local status=$?
+    if "$root/tests/tools/wine_tool_check.sh" "$builds/win64"; then
+        passed=$((passed + 1))
+    else
+        failed=$((failed + 1))
+        status=1
+    fi
     WINEPREFIX=$builds/win64/wineprefix /usr/lib/wine/wineserver64 -k 2>/dev/null
     return $status
 }
