@@ -1,5 +1,5 @@
-// Properties: parse and tryParse agree on every text; a success survives printing and
-// parsing again; the narrow parsers accept exactly the wide results in their range.
+// Properties: parse and tryParse agree on every text, and a success survives printing
+// and parsing again. Which texts each name accepts is the unit tests' table.
 #include <ovo/number_parser.h>
 #include <ovo/strings.h>
 
@@ -7,6 +7,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
@@ -17,9 +18,10 @@ namespace {
 
 // The throwing form succeeds with the same value exactly when the trying form does.
 template <typename Parsed, typename Stored>
-bool agree(Parsed (*parse)(const std::string&), bool (*tryParse)(const std::string&, Stored&), const std::string& text,
-           Stored& value)
+std::optional<Stored> agreed(Parsed (*parse)(const std::string&), bool (*tryParse)(const std::string&, Stored&),
+                             const std::string& text)
 {
+    Stored value{};
     const bool ok = tryParse(text, value);
     try {
         const auto parsed = static_cast<Stored>(parse(text));
@@ -30,7 +32,7 @@ bool agree(Parsed (*parse)(const std::string&), bool (*tryParse)(const std::stri
     } catch (const std::exception&) {
         FUZZ_CHECK(!ok);
     }
-    return ok;
+    return ok ? std::optional<Stored>(value) : std::nullopt;
 }
 
 } // namespace
@@ -38,43 +40,19 @@ bool agree(Parsed (*parse)(const std::string&), bool (*tryParse)(const std::stri
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const std::string text(reinterpret_cast<const char*>(data), size);
-
-    long long wide = 0;
-    int narrow = 0;
-    const bool wideOk = agree(np::parseInt64, np::tryParseInt64, text, wide);
-    const bool narrowOk = agree(np::parseInt32, np::tryParseInt32, text, narrow);
-    FUZZ_CHECK(narrowOk == (wideOk && wide >= INT32_MIN && wide <= INT32_MAX));
-    FUZZ_CHECK(!narrowOk || (narrow == wide && np::parseInt32(ovo::format("%d", narrow)) == narrow));
-    short int16 = 0;
-    FUZZ_CHECK(agree(np::parseInt16, np::tryParseInt16, text, int16) == (narrowOk && narrow == int16));
-    signed char int8 = 0;
-    FUZZ_CHECK(agree(np::parseInt8, np::tryParseInt8, text, int8) == (narrowOk && narrow == int8));
-
-    unsigned int uint32 = 0;
-    if (agree(np::parseUInt32, np::tryParseUInt32, text, uint32))
-        FUZZ_CHECK(np::parseUInt32(ovo::format("%u", uint32)) == uint32);
-    unsigned char uint8 = 0;
-    agree(np::parseUInt8, np::tryParseUInt8, text, uint8);
-    unsigned long long uint64 = 0;
-    agree(np::parseUInt64, np::tryParseUInt64, text, uint64);
-    unsigned long hex = 0;
-    if (agree(np::parseHex, np::tryParseHex, text, hex))
-        FUZZ_CHECK(hex <= UINT32_MAX && np::parseHex(ovo::format("%lx", hex)) == hex);
-    unsigned long oct = 0;
-    agree(np::parseOct, np::tryParseOct, text, oct);
-    double real = 0;
-    agree(np::parseDouble, np::tryParseDouble, text, real);
-    float single = 0;
-    agree(np::parseFloat, np::tryParseFloat, text, single);
-
-    bool flag = false;
-    const bool flagOk = np::tryParseBool(text, flag);
-    FUZZ_CHECK(!narrowOk || (flagOk && flag == (narrow != 0)));
-    try {
-        const bool parsed = np::parseBool(text); // a text that tryParseBool refuses must throw here
-        FUZZ_CHECK(flagOk && parsed == flag);
-    } catch (const std::logic_error&) {
-        FUZZ_CHECK(!flagOk);
-    }
+    if (const auto int32 = agreed(np::parseInt32, np::tryParseInt32, text))
+        FUZZ_CHECK(np::parseInt32(ovo::format("%d", *int32)) == *int32);
+    if (const auto hex = agreed(np::parseHex, np::tryParseHex, text))
+        FUZZ_CHECK(*hex <= UINT32_MAX && np::parseHex(ovo::format("%lx", *hex)) == *hex);
+    agreed(np::parseInt64, np::tryParseInt64, text);
+    agreed(np::parseUInt32, np::tryParseUInt32, text);
+    agreed(np::parseInt16, np::tryParseInt16, text);
+    agreed(np::parseInt8, np::tryParseInt8, text);
+    agreed(np::parseUInt8, np::tryParseUInt8, text);
+    agreed(np::parseUInt64, np::tryParseUInt64, text);
+    agreed(np::parseOct, np::tryParseOct, text);
+    agreed(np::parseDouble, np::tryParseDouble, text);
+    agreed(np::parseFloat, np::tryParseFloat, text);
+    agreed(np::parseBool, np::tryParseBool, text);
     return 0;
 }

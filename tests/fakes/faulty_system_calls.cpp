@@ -36,9 +36,7 @@ void failCall(const char* call, int error, int times)
 
 } // namespace ovo_fake
 
-namespace ovo {
-namespace posix {
-namespace sys {
+namespace ovo::posix::sys {
 
 using ovo_fake::fails;
 
@@ -49,6 +47,4 @@ int ftruncate(int fd, off_t size) { return fails("ftruncate") ? -1 : ::ftruncate
 int rename(const char* from, const char* to) { return fails("rename") ? -1 : ::rename(from, to); }
 int fsync(int fd) { return fails("fsync") ? -1 : ::fsync(fd); }
 
-} // namespace sys
-} // namespace posix
-} // namespace ovo
+} // namespace ovo::posix::sys

@@ -1,6 +1,5 @@
-// The POSIX layer's system calls with failures on demand, linked in place of the real
-// ones in the layer's own fault tests: each call does what the real one does until a
-// failure is scripted for it.
+// The POSIX layer's system calls, linked in place of the real ones in its fault tests: each does what the real one
+// does until a failure is scripted for it.
 #ifndef OVO_TESTS_FAKES_FAULTY_SYSTEM_CALLS_H
 #define OVO_TESTS_FAKES_FAULTY_SYSTEM_CALLS_H
 

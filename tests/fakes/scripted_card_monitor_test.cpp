@@ -1,5 +1,4 @@
-// The card monitor against scripted PC/SC calls: readers that come and go, a card swapped
-// between two looks and a failing service, which the virtual reader cannot be made to do.
+// The card monitor against scripted PC/SC calls: what the virtual reader cannot be made to do.
 #include <ovo/io/card_monitor.h>
 
 #include "fakes/scripted_pcsc.h"

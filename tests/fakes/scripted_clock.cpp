@@ -21,12 +21,6 @@ void scriptClock(const std::vector<std::int64_t>& ticks)
     script.assign(ticks.begin(), ticks.end());
 }
 
-std::size_t unreadTicks()
-{
-    std::lock_guard<std::mutex> lock(scriptMutex);
-    return script.size();
-}
-
 } // namespace ovo_fake
 
 namespace ovo {

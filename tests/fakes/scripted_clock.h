@@ -13,7 +13,6 @@ namespace ovo_fake {
 // The next readings, in 100-nanosecond ticks since 1970 UTC, one per reading; when they
 // run out the real clock answers again.
 OVO_API void scriptClock(const std::vector<std::int64_t>& ticks);
-OVO_API std::size_t unreadTicks();
 
 } // namespace ovo_fake
 

@@ -2,8 +2,9 @@
 
 #include "platform/pcsc_calls.h"
 
+#include <ovo/strings.h>
+
 #include <algorithm>
-#include <cstdio>
 
 namespace ovo_fake {
 namespace {
@@ -21,9 +22,7 @@ struct Data {
 // Arguments as the log shows them: handles in hex, numbers in decimal, data as hex bytes.
 std::string text(std::intptr_t handle, const char* format = "%lX")
 {
-    char digits[24];
-    std::snprintf(digits, sizeof digits, format, static_cast<unsigned long>(handle));
-    return digits;
+    return ovo::format(format, static_cast<unsigned long>(handle));
 }
 std::string text(std::uint32_t number) { return std::to_string(number); }
 std::string text(const char* name) { return name; }

@@ -2,7 +2,8 @@
 
 #include "platform/registry_calls.h"
 
-#include <cstdio>
+#include <ovo/strings.h>
+
 #include <cstring>
 
 namespace ovo_fake {
@@ -12,9 +13,7 @@ RegistryScript script;
 
 std::string hex(std::uintptr_t value, const char* format = "%lX")
 {
-    char text[24];
-    std::snprintf(text, sizeof text, format, static_cast<unsigned long>(value));
-    return text;
+    return ovo::format(format, static_cast<unsigned long>(value));
 }
 
 std::string hex(const void* key) { return hex(reinterpret_cast<std::uintptr_t>(key)); }

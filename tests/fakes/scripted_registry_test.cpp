@@ -1,6 +1,7 @@
 // The registry class's side of each call, against scripted calls that log it.
 #include "fakes/scripted_registry.h"
 
+#include <ovo/strings.h>
 #include <ovo/win32/registry.h>
 #include <ovo/win32/security_attributes.h>
 
@@ -20,12 +21,7 @@ const unsigned long keyRead = 0x20019;
 
 // The caller's mask as passed: the 64-bit view added only for a 32-bit process on a
 // 64-bit system.
-std::string passed(unsigned long mask)
-{
-    char text[16];
-    std::snprintf(text, sizeof text, "%lX", mask | (ovo::win32::IsWow64() ? 0x100 : 0));
-    return text;
-}
+std::string passed(unsigned long mask) { return ovo::format("%lX", mask | (ovo::win32::IsWow64() ? 0x100 : 0)); }
 
 class ScriptedRegistryTest : public ::testing::Test {
 protected:

@@ -40,9 +40,7 @@ void resetSerialScript()
 
 } // namespace ovo_fake
 
-namespace ovo {
-namespace platform {
-namespace serial {
+namespace ovo::platform::serial {
 
 using namespace ovo_fake;
 
@@ -78,6 +76,4 @@ BOOL PurgeComm(HANDLE, DWORD) { return called("PurgeComm"); }
 
 DWORD GetLastError() { return lastError; }
 
-} // namespace serial
-} // namespace platform
-} // namespace ovo
+} // namespace ovo::platform::serial

@@ -1,5 +1,4 @@
-// Serial calls that play a script, linked in place of the platform's in the library
-// build `ovosystem_scripted_serial`: for the cases no real port produces on demand.
+// Serial calls that play a script, linked in place of the platform's in `ovosystem_scripted_serial`.
 #ifndef OVO_TESTS_FAKES_SCRIPTED_SERIAL_H
 #define OVO_TESTS_FAKES_SCRIPTED_SERIAL_H
 
@@ -14,7 +13,6 @@ namespace ovo_fake {
 struct SerialScript {
     std::uint32_t getStateError = 0;                 // GetCommState fails with it when not 0
     std::vector<unsigned char> deviceDcb;            // what GetCommState delivers (28 bytes)
-    std::uint32_t sendsAtOnce = 0;                   // the most bytes one WriteFile takes; reads deliver none
     std::vector<std::string> calls;                  // each call with its arguments, in order
     std::vector<std::vector<unsigned char>> dcbsSet; // the block of every SetCommState
 };

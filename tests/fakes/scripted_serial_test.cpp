@@ -1,5 +1,4 @@
-// SerialIO against scripted serial calls: the blocks it sets, which a pseudo-terminal does
-// not show whole, and a device whose state cannot be read.
+// SerialIO against scripted serial calls: the whole blocks it sets, and a device whose state cannot be read.
 #include <ovo/io/serial_io.h>
 
 #include "fakes/scripted_serial.h"
@@ -11,7 +10,6 @@
 
 using namespace ovo::io;
 using ovo_fake::serialScript;
-using Calls = std::vector<std::string>;
 
 namespace {
 
@@ -32,11 +30,10 @@ TEST(ScriptedSerial, AFailingStateClosesTheDeviceAgain)
     EXPECT_EQ(ovo_test::failureOf([] { SerialIO port(SerialConfig::fromString("device=COM3")); }),
               "::GetCommState( 'COM3' ) failed. error = 31");
     EXPECT_EQ(serialScript().calls,
-              (Calls{"CreateFileA \\\\.\\COM3 3221225472 0 3 128", "GetCommState", "CloseHandle"}));
+              (std::vector<std::string>{"CreateFileA \\\\.\\COM3 3221225472 0 3 128", "GetCommState", "CloseHandle"}));
 }
 
-// Line settings land in their fields of the block; flow control changes only its own
-// flags (fOutxCtsFlow, fRtsControl, fOutX, fInX), whatever else the device has set.
+// Settings land in their fields; flow control changes only its own flags, whatever else the device has set.
 TEST(ScriptedSerial, SettingsInTheBlock)
 {
     const std::uint32_t device = 0xC0F3u, allFlow = 0xF3F7u; // fBinary, fParity, DSR and DTR; with all flow flags

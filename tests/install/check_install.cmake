@@ -1,7 +1,7 @@
 # Installs the build into a fresh prefix (or takes PREFIX, the root of unpacked
 # packages), then builds and runs a small client against it twice: once with
 # find_package(ovosystem), once with the flags of pkg-config. The installed ovo tool
-# (when built) must run from the prefix.
+# (when built) must run from the prefix and find its library.
 include(${CMAKE_CURRENT_LIST_DIR}/install_checks.cmake)
 
 set(prefix ${PREFIX})
@@ -19,14 +19,5 @@ if(EXPECT_TOOL)
     run(${ovo} --version)
     if(NOT output MATCHES "^ovo [0-9]+\\.[0-9]+\\.[0-9]+, library [0-9]+\\.[0-9]+\\.[0-9]+\n$")
         message(FATAL_ERROR "unexpected version of the installed tool: [${output}]")
-    endif()
-    run(${ovo} --help)
-    if(NOT output MATCHES "^usage: ovo SUBCOMMAND")
-        message(FATAL_ERROR "unexpected help of the installed tool: [${output}]")
-    endif()
-    file(WRITE ${WORK_DIR}/bytes "ATR")
-    run(${ovo} hexdump ${WORK_DIR}/bytes)
-    if(NOT output MATCHES "^00000000  41 54 52 ")
-        message(FATAL_ERROR "unexpected dump of the installed tool: [${output}]")
     endif()
 endif()

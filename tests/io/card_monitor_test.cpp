@@ -1,14 +1,10 @@
-// The monitor of readers and cards against the real PC/SC service: pcscd with the virtual
-// reader driver (started by scripts/test.sh) and a virtual card that the test starts and
-// stops itself.
+// The card monitor against pcscd with the virtual reader (started by scripts/test.sh) and a virtual card that the
+// test starts and stops itself.
 #include <ovo/io/card_monitor.h>
 
 #include "support/virtual_card.h"
 
 #include <gtest/gtest.h>
-
-#include <chrono>
-#include <thread>
 
 using ovo::io::CardEvent;
 using Clock = std::chrono::steady_clock;

@@ -1,19 +1,11 @@
 // The other process of the inter-process tests. A command with READY and RELEASE files
 // takes its objects, leaves READY as its sign that it got so far, and waits for RELEASE
 // ("-": for the kill that ends it); its exit status is its answer.
-#include "ipc/stress_message.h"
+#include "ipc/ipc_test.h"
 
-#include <ovo/ipc/message_channel.h>
-#include <ovo/ipc/shared_memory.h>
-#include <ovo/ipc/system_mutex.h>
 #include <ovo/number_parser.h>
 
-#include <filesystem>
-#include <fstream>
 #include <iostream>
-#include <memory>
-#include <string>
-#include <thread>
 
 namespace {
 

@@ -1,25 +1,28 @@
-// What the inter-process tests share: names of their own, files that pass signs between
-// processes, the text of an exception, and the check that nothing of their names is left.
+// What the inter-process tests and their peer share: names of their own, files that pass signs
+// between processes, the check that nothing of their names is left, and the stress messages.
 #ifndef OVO_TESTS_IPC_IPC_TEST_H
 #define OVO_TESTS_IPC_IPC_TEST_H
 
-#include "support/child_process.h"
+#include "support/failure_of.h"
+#include "support/process.h"
 #include "support/temp_dir.h"
+
+#include <ovo/ipc/message_channel.h>
+#include <ovo/ipc/shared_memory.h>
+#include <ovo/ipc/system_event.h>
+#include <ovo/ipc/system_mutex.h>
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <string>
 #include <vector>
 
-#if defined(_WIN32)
-#  include <process.h>
-#  define ovo_test_pid _getpid
-#else
-#  include <unistd.h>
-#  define ovo_test_pid getpid
-#endif
+#include <unistd.h>
 
 namespace ovo_test {
 
@@ -48,21 +51,23 @@ protected:
     void TearDown() override { EXPECT_EQ(leftovers(), std::vector<std::string>()) << "objects left behind"; }
 
 private:
-    static std::string prefix() { return "ovotest-" + std::to_string(ovo_test_pid()) + "-"; }
+    static std::string prefix() { return "ovotest-" + std::to_string(getpid()) + "-"; }
 
     TempDir dir_;
 };
 
-// What `make` throws, or "" when it throws nothing.
-template <typename Make>
-std::string thrownBy(Make make)
+// A sender's n-th stress message has the sender as its identifier, 8 to 512 bytes, and every
+// byte a function of the sender, n and its place, so that a torn, misplaced or repeated body shows.
+const unsigned int stressChannelSize = 4113 + 256 * 512; // a full table of the longest bodies
+
+inline std::vector<unsigned char> stressBody(std::uint32_t sender, std::uint32_t sequence)
 {
-    try {
-        make();
-    } catch (const std::exception& error) {
-        return error.what();
-    }
-    return std::string();
+    std::vector<unsigned char> body(8 + (sequence * 7919u + sender * 31u) % 505);
+    std::memcpy(body.data(), &sender, 4);
+    std::memcpy(body.data() + 4, &sequence, 4);
+    for (std::size_t i = 8; i < body.size(); ++i)
+        body[i] = static_cast<unsigned char>(sender * 131 + sequence * 7 + i);
+    return body;
 }
 
 } // namespace ovo_test

@@ -2,10 +2,6 @@
 // left behind is listed (also by `ovo objects`) and swept away.
 #include "ipc/ipc_test.h"
 
-#include <ovo/ipc/message_channel.h>
-#include <ovo/ipc/shared_memory.h>
-#include <ovo/ipc/system_mutex.h>
-
 #include <sstream>
 #include <sys/stat.h>
 
@@ -27,10 +23,7 @@ protected:
         ASSERT_TRUE(ovo_test::waitForFile(file(block)));
         peer.kill();
     }
-    int tool(const std::vector<std::string>& args)
-    {
-        return ovo_test::runProgram(ovo_test::siblingProgram("ovo"), args, file("out"));
-    }
+    int tool(const std::vector<std::string>& args) { return ovo_test::runProgram("ovo", args, file("out")); }
     // The line of `ovo objects` about the object, or "none".
     std::string listed(const std::string& tag)
     {
@@ -63,7 +56,7 @@ TEST_F(UserScopeTest, AFileThatIsNoObjectOfThisUserIsRefusedUntouched)
         if (!fifo && geteuid() != 0)
             GTEST_SKIP() << "only root may make a file of another user";
         ASSERT_FALSE(fifo ? mkfifo(path.c_str(), 0600) : (std::ofstream{path}, chown(path.c_str(), 65534, 65534)));
-        EXPECT_EQ(ovo_test::thrownBy([&] { SystemMutex mutex(name("taken")); }),
+        EXPECT_EQ(ovo_test::failureOf([&] { SystemMutex mutex(name("taken")); }),
                   "::OpenMutex( 'Local\\" + name("taken") + "' ) failed. openError = 5, createError = 5");
         EXPECT_TRUE(std::filesystem::remove(path));
     }

@@ -8,28 +8,18 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <filesystem>
-#include <fstream>
 #include <future>
 #include <memory>
 #include <set>
 #include <sstream>
-#include <string>
-#include <thread>
-#include <vector>
 
 #if !defined(_WIN32)
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 #endif
 
 using namespace ovo::logger;
 using ovo_test::readFile;
 using ovo_test::todaysLogFile;
-using Clock = std::chrono::steady_clock;
-using std::chrono::milliseconds;
 namespace fs = std::filesystem;
 
 namespace {
@@ -97,9 +87,8 @@ TEST_F(FileLogChannelTest, HeaderStandsAtTheHeadOfAnEmptyFileOnly)
         EXPECT_EQ(contentOf(file.first), file.second);
 }
 
-// A missing directory, a directory or a FIFO where the file should be, or another writer
-// that holds the file for longer than about a second, costs the one message and no hang;
-// the channel goes on when the path is usable again.
+// A missing directory, a directory or FIFO in the file's place, or another writer holding the file past a second
+// costs the one message and no hang; the channel goes on when the path is usable again.
 TEST_F(FileLogChannelTest, AnUnusablePathLosesOneMessageAndRecovers)
 {
     for (const std::string kind : {"missing", "directory", "fifo", "held"}) {
@@ -115,7 +104,7 @@ TEST_F(FileLogChannelTest, AnUnusablePathLosesOneMessageAndRecovers)
         ASSERT_TRUE(kind != "fifo" || ::mkfifo(path.c_str(), 0600) == 0);
 #endif
         auto logging = channel(kind, nullptr, directory.string());
-        const auto start = Clock::now();
+        const auto start = std::chrono::steady_clock::now();
         auto write = std::async(std::launch::async, [&] { logging->write("n", "lost"); });
         const bool returned = write.wait_for(std::chrono::seconds(3)) == std::future_status::ready;
 #if !defined(_WIN32)
@@ -123,7 +112,8 @@ TEST_F(FileLogChannelTest, AnUnusablePathLosesOneMessageAndRecovers)
 #endif
         write.wait();
         EXPECT_TRUE(returned) << kind << ": the write hung";
-        EXPECT_GE(Clock::now() - start, milliseconds(kind == "held" ? 900 : 0)) << "another writer is waited for";
+        EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(kind == "held" ? 900 : 0))
+            << "another writer is waited for";
         EXPECT_NE(fs::exists(directory), kind == "missing") << "a missing directory is not created";
         holder.reset();
         fs::remove(path);
@@ -133,8 +123,7 @@ TEST_F(FileLogChannelTest, AnUnusablePathLosesOneMessageAndRecovers)
     }
 }
 
-// Two threads of one channel and four processes (two through a split channel) share a
-// file: the header once at its head, then every message whole and exactly once.
+// Two threads and four processes (two through a split channel) share a file: the header once, each message whole.
 TEST_F(FileLogChannelTest, ThreadsAndProcessesNeverTearOrLoseALine)
 {
     FileLogChannel shared(dir.string(), "shared");

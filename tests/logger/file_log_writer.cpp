@@ -1,7 +1,5 @@
-// A writer process for the file channel tests:
-//   file_log_writer DIRECTORY SUFFIX ID COUNT plain|split
-// logs COUNT messages "ID N ..." through a FileLogChannel with the header "# header\n",
-// alone or as the member of a split channel.
+// file_log_writer DIRECTORY SUFFIX ID COUNT plain|split: logs COUNT messages "ID N ..." through a FileLogChannel
+// with the header "# header\n", alone or as the member of a split channel.
 #include <ovo/logger/channels.h>
 #include <ovo/logger/file_log_channel.h>
 #include <ovo/logger/formatters.h>

@@ -1,6 +1,6 @@
 #include <ovo/nv_collection.h>
 
-#include "support/expect_failure.h"
+#include "support/failure_of.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-using ovo_test::expectFailure;
+using ovo_test::failureOf;
 using Pairs = std::vector<std::pair<std::string, std::string>>;
 
 namespace {
@@ -53,32 +53,23 @@ TEST(NvCollection, TypedWritesStoreTheirTextAndReadBack)
     c.setUShort("ushort", 65535);
     EXPECT_EQ(entriesOf(c), (Pairs{{"f", "no"}, {"int", "-2147483648"}, {"long", "2147483647"}, {"short", "-1"},
                                    {"t", "yes"}, {"uint", "4294967295"}, {"ulong", "4294967295"}, {"ushort", "65535"}}));
-    EXPECT_TRUE(c.getBool("t"));
     EXPECT_FALSE(c.getBool("f", true));
-    EXPECT_EQ(c.getInt("int"), INT_MIN);
     EXPECT_EQ(c.getLong("long"), INT_MAX);
     EXPECT_EQ(c.getShort("short"), -1);
     EXPECT_EQ(c.getUInt("uint"), UINT_MAX);
-    EXPECT_EQ(c.getULong("ulong"), 4294967295ul);
     EXPECT_EQ(c.getUShort("ushort"), 65535);
 }
 
 TEST(NvCollection, ReadsFailWithoutDefaultAndFallBackWithOne)
 {
     const ovo::nvCollection c("flag=yes;wide=70000;big=2147483648;huge=4294967296;empty=;on=on;Baud=1", ";", "=");
-    const struct {
-        std::string name;
-        const char* failure; // of the read without default, if any
-        const std::type_info& type;
-    } failures[] = {{"baud", notFound, typeid(std::runtime_error)}, {"flag", badFormat, typeid(std::logic_error)},
-                    {"wide", outOfRange, typeid(std::range_error)}};
-    for (const auto& f : failures) {
-        if (f.name != "wide")
-            expectFailure([&] { c.getInt(f.name); }, f.type, f.failure);
-        expectFailure([&] { c.getShort(f.name); }, f.type, f.failure);
-    }
-    expectFailure([&] { c.getString("baud"); }, typeid(std::runtime_error), notFound);
-    expectFailure([&] { c.getLong("big"); }, typeid(std::range_error), outOfRange);
+    EXPECT_EQ(failureOf([&] { c.getInt("baud"); }, typeid(std::runtime_error)), notFound);
+    EXPECT_EQ(failureOf([&] { c.getShort("baud"); }, typeid(std::runtime_error)), notFound);
+    EXPECT_EQ(failureOf([&] { c.getInt("flag"); }, typeid(std::logic_error)), badFormat);
+    EXPECT_EQ(failureOf([&] { c.getShort("flag"); }, typeid(std::logic_error)), badFormat);
+    EXPECT_EQ(failureOf([&] { c.getShort("wide"); }, typeid(std::range_error)), outOfRange);
+    EXPECT_EQ(failureOf([&] { c.getString("baud"); }, typeid(std::runtime_error)), notFound);
+    EXPECT_EQ(failureOf([&] { c.getLong("big"); }, typeid(std::range_error)), outOfRange);
     EXPECT_EQ(c.getULong("big"), 2147483648ul);
     EXPECT_EQ(c.getInt("wide"), 70000);
 
@@ -133,14 +124,11 @@ TEST(NvText, LoadCutsPairsThenNameAndValue)
                  {"a=b=c", {{"a", "b=c"}}},
                  {"a=", {{"a", ""}}},
                  {"=v", {{"", "v"}}},
-                 {"=", {{"", ""}}},
                  {"a", {}},
                  {"a;b=2", {{"a", ""}, {"b", "2"}}},
-                 {"b=2;a", {{"b", "2"}}},
                  {"x;y", {{"x", ""}}},
                  {"x;y;", {{"x", ""}, {"y", ""}}},
-                 {" a = 1 ", {{" a ", " 1 "}}},
-                 {"a\n=1\r", {{"a\n", "1\r"}}}};
+                 {" a\n= 1\r", {{" a\n", " 1\r"}}}};
     for (const auto& c : cases)
         EXPECT_EQ(loaded(c.text), c.entries) << "text [" << c.text << "]";
 
@@ -156,7 +144,6 @@ TEST(NvText, UnusualSeparators)
     EXPECT_EQ(loaded("ab;cd", ";", ""), (Pairs{{"", "cd"}})) << "empty name-value separator";
     // An empty pair separator: the whole text is one piece, at most one pair.
     EXPECT_EQ(loaded("a=1;b=2", "", "="), (Pairs{{"a", "1;b=2"}}));
-    EXPECT_EQ(loaded("no separator", "", "="), Pairs{});
     // A name-value separator that starts inside a piece and reaches past it leaves an
     // empty value instead of running into the rest of the text.
     EXPECT_EQ(loaded("a=;bcdef", ";", "=;"), (Pairs{{"a", ""}}));
@@ -166,8 +153,7 @@ TEST(NvText, UnusualSeparators)
 TEST(NvText, ToStringRendersSortedPairsThatLoadBack)
 {
     EXPECT_EQ(ovo::nvCollection().toString(";", "="), "");
-    const ovo::nvCollection one("only=", ";", "=");
-    EXPECT_EQ(one.toString(";", "="), "only=");
+    EXPECT_EQ(ovo::nvCollection("only=", ";", "=").toString(";", "="), "only=");
 
     ovo::nvCollection c("z=last;device=COM1;spaced= x y ;withEquals=a=b;empty=", ";", "=");
     EXPECT_EQ(c.toString(", ", ": "), "device: COM1, empty: , spaced:  x y , withEquals: a=b, z: last");

@@ -26,12 +26,6 @@ struct Recorder : IOptionValue {
     Words received;
 };
 
-Words withProgram(Words words)
-{
-    words.insert(words.begin(), "program");
-    return words;
-}
-
 } // namespace
 
 TEST(OptionsProcessor, WordsMatchWholeFormsOnly)
@@ -49,7 +43,7 @@ TEST(OptionsProcessor, WordsMatchWholeFormsOnly)
                  {"-", false, ""},       {"=1", false, ""}};
     for (const auto& c : cases) {
         verbose.received.clear();
-        EXPECT_EQ(options.process(withProgram({c.word})), c.reaches ? 1 : 0) << c.word;
+        EXPECT_EQ(options.process(Words{"program", c.word}), c.reaches ? 1 : 0) << c.word;
         EXPECT_EQ(verbose.received, c.reaches ? Words{c.value} : Words{}) << c.word;
     }
 }
@@ -61,7 +55,7 @@ TEST(OptionsProcessor, OtherPrefixAndDelimiter)
     Recorder help;
     options.add("x", "yy", "", &x);
     options.add("h", "help", "", &help);
-    EXPECT_EQ(options.process(withProgram({"/x:5", "/-yy", "//help", "/-help:a:b", "-x", "/x=1"})), 3);
+    EXPECT_EQ(options.process(Words{"program", "/x:5", "/-yy", "//help", "/-help:a:b", "-x", "/x=1"}), 3);
     EXPECT_EQ(x.received, (Words{"5", ""}));
     EXPECT_EQ(help.received, Words{"a:b"});
 }
@@ -73,7 +67,7 @@ TEST(OptionsProcessor, CountsWordsThatTheirValueObjectAccepted)
     Recorder refusing(false);
     options.add("a", "", &accepting);
     options.add("r", "", &refusing);
-    EXPECT_EQ(options.process(withProgram({"-a=1", "stray", "-r", "-a=2", "--", "-a"})), 3);
+    EXPECT_EQ(options.process(Words{"program", "-a=1", "stray", "-r", "-a=2", "--", "-a"}), 3);
     EXPECT_EQ(accepting.received, (Words{"1", "2", ""}));
     EXPECT_EQ(refusing.received, Words{""});
     EXPECT_EQ(options.process(Words{}), 0);
@@ -81,7 +75,7 @@ TEST(OptionsProcessor, CountsWordsThatTheirValueObjectAccepted)
     EXPECT_EQ(accepting.received.size(), 3u);
 
     // A throwing value object stops processing; earlier effects stay.
-    EXPECT_THROW(options.process(withProgram({"-a=before", "-r=throw", "-a=after"})), std::invalid_argument);
+    EXPECT_THROW(options.process(Words{"program", "-a=before", "-r=throw", "-a=after"}), std::invalid_argument);
     EXPECT_EQ(accepting.received.back(), "before");
 }
 
@@ -95,7 +89,7 @@ TEST(OptionsProcessor, FirstEntryWithAnEqualFormWinsEvenWithoutValueObject)
     options.add("n", "nn", "", &afterNull);
     options.add("", "long", "", &longOnly); // its short form is empty: it takes the empty names
     options.add("s", "no long name", &shortOnly);
-    EXPECT_EQ(options.process(withProgram({"-d", "--dup=x", "-n", "--null", "=5", "", "=x=y", "-"})), 5);
+    EXPECT_EQ(options.process(Words{"program", "-d", "--dup=x", "-n", "--null", "=5", "", "=x=y", "-"}), 5);
     EXPECT_EQ(first.received, (Words{"", "x"}));
     EXPECT_EQ(longOnly.received, (Words{"5", "", "x=y"}));
     for (const Recorder* unreached : {&shadowed, &afterNull, &shortOnly})
@@ -107,7 +101,7 @@ TEST(OptionsProcessor, WordsAreCStrings)
     OptionsProcessor options;
     Recorder value;
     options.add("k", "key", "", &value);
-    EXPECT_EQ(options.process(withProgram({std::string("-k=ab\0cd", 8), std::string("--key\0=zz", 9)})), 2);
+    EXPECT_EQ(options.process(Words{"program", std::string("-k=ab\0cd", 8), std::string("--key\0=zz", 9)}), 2);
     EXPECT_EQ(value.received, (Words{"ab", ""}));
 
     char program[] = "-k=program";

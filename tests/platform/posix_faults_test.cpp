@@ -1,6 +1,5 @@
-// The POSIX layer when the system fails it: a full disk, an I/O error, interrupted calls,
-// no descriptors left. The layer's calls fail with the Win32 code of the cause, retry what
-// was only interrupted, and leave no half-written state behind.
+// The POSIX layer when the system fails it: its calls fail with the Win32 code of the cause, retry what was only
+// interrupted, and leave no half-written state behind.
 #include "fakes/faulty_system_calls.h"
 #include "platform/win32.h"
 #include "support/temp_dir.h"
@@ -8,10 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
-#include <cstdlib>
-#include <filesystem>
 #include <functional>
-#include <string>
 #include <unistd.h>
 
 using ovo_fake::failCall;

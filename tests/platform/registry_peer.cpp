@@ -1,6 +1,5 @@
 // The other process of the registry tests: writes one key's values in turns, texts of 4000
 // 'A' or 'B' and a count, COUNT times (0: until killed), and leaves FILE after the first.
-#include <ovo/number_parser.h>
 #include <ovo/win32/registry.h>
 
 #include <fstream>
@@ -11,7 +10,7 @@ int main(int argc, char** argv)
     ovo::win32::registry key(HKEY_CURRENT_USER);
     if (argc != 4 || !key.createAndOpen(argv[1], 0xF003F)) // KEY_ALL_ACCESS
         return 2;
-    const unsigned count = ovo::NumberParser::parseUInt32(argv[2]);
+    const auto count = static_cast<unsigned>(std::stoul(argv[2]));
     for (unsigned n = 1; count == 0 || n <= count; ++n) {
         key.setStringValue("text", std::string(4000, n % 2 == 0 ? 'A' : 'B'));
         key.setDWORDValue("count", n);

@@ -70,9 +70,7 @@ TEST(SecurityAttributesTest, TheRecordHoldsADescriptorWithOneEntryForTheGroup)
         const DescriptorView& descriptor = descriptorOf(attributes);
         EXPECT_EQ(descriptor.revision, 1);
         EXPECT_EQ(descriptor.control, 0x0004) << "a list, present and not defaulted, and nothing else";
-        EXPECT_EQ(descriptor.owner, nullptr);
-        EXPECT_EQ(descriptor.group, nullptr);
-        EXPECT_EQ(descriptor.sacl, nullptr);
+        EXPECT_TRUE(!descriptor.owner && !descriptor.group && !descriptor.sacl) << "no owner, group or audit list";
         ASSERT_NE(descriptor.dacl, nullptr);
         EXPECT_EQ(onlyEntryOf(attributes), c.entry) << c.kind << " " << c.mask;
         const auto *object = reinterpret_cast<const char*>(&attributes), *at = reinterpret_cast<const char*>(record);

@@ -108,6 +108,5 @@ TEST(Environment, SetEmptyAndMissingVariables)
 
     EXPECT_FALSE(ovo::environment::has("OVO_TEST_NOT_SET"));
     EXPECT_EQ(ovo::environment::get("OVO_TEST_NOT_SET", "default"), "default");
-    EXPECT_EQ(ovo::environment::get("OVO_TEST_NOT_SET", ""), "");
     EXPECT_EQ(failureOf([] { ovo::environment::get("OVO_TEST_NOT_SET"); }), "not found 'OVO_TEST_NOT_SET'");
 }

@@ -20,40 +20,29 @@ public:
     explicit ExclusiveFile(const std::string& path)
     {
 #if defined(_WIN32)
-        handle_ = CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_ALWAYS,
-                              FILE_ATTRIBUTE_NORMAL, nullptr);
-        held_ = handle_ != INVALID_HANDLE_VALUE;
+        handle_ = CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL,
+                              nullptr);
 #else
         descriptor_ = ::open(path.c_str(), O_WRONLY | O_CREAT, 0644);
-        held_ = descriptor_ >= 0 && ::flock(descriptor_, LOCK_EX) == 0;
+        ::flock(descriptor_, LOCK_EX);
 #endif
     }
-    ~ExclusiveFile() { release(); }
+    ~ExclusiveFile()
+    {
+#if defined(_WIN32)
+        CloseHandle(handle_);
+#else
+        ::close(descriptor_);
+#endif
+    }
     ExclusiveFile(const ExclusiveFile&) = delete;
     ExclusiveFile& operator=(const ExclusiveFile&) = delete;
 
-    bool held() const { return held_; }
-
-    void release()
-    {
-#if defined(_WIN32)
-        if (handle_ != INVALID_HANDLE_VALUE)
-            CloseHandle(handle_);
-        handle_ = INVALID_HANDLE_VALUE;
-#else
-        if (descriptor_ >= 0)
-            ::close(descriptor_);
-        descriptor_ = -1;
-#endif
-        held_ = false;
-    }
-
 private:
-    bool held_ = false;
 #if defined(_WIN32)
-    HANDLE handle_ = INVALID_HANDLE_VALUE;
+    HANDLE handle_;
 #else
-    int descriptor_ = -1;
+    int descriptor_;
 #endif
 };
 

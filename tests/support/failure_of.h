@@ -1,19 +1,21 @@
-// The text of the std::runtime_error that a call throws, for tests of exact messages.
+// The text of the exception that a call throws, "" when none, for tests of exact messages.
+// Given a type, the exception must be exactly of it: any other reads as "thrown: <its type>".
 #ifndef OVO_TESTS_SUPPORT_FAILURE_OF_H
 #define OVO_TESTS_SUPPORT_FAILURE_OF_H
 
-#include <stdexcept>
+#include <exception>
 #include <string>
+#include <typeinfo>
 
 namespace ovo_test {
 
-// "" when the call throws nothing.
-template <typename Call> std::string failureOf(Call call)
+template <typename Call> std::string failureOf(Call call, const std::type_info& type = typeid(std::exception))
 {
     try {
         call();
-    } catch (const std::runtime_error& e) {
-        return e.what();
+    } catch (const std::exception& e) {
+        return type == typeid(std::exception) || typeid(e) == type ? e.what()
+                                                                   : std::string("thrown: ") + typeid(e).name();
     }
     return "";
 }

@@ -2,7 +2,6 @@
 #ifndef OVO_TESTS_SUPPORT_LOG_FILE_NAME_H
 #define OVO_TESTS_SUPPORT_LOG_FILE_NAME_H
 
-#include <cstdio>
 #include <ctime>
 #include <string>
 
@@ -17,8 +16,8 @@ inline std::string todaysLogFile(const std::string& suffix)
 #else
     localtime_r(&now, &local);
 #endif
-    char date[48];
-    std::snprintf(date, sizeof date, "%04d-%02d-%02d", local.tm_year + 1900, local.tm_mon + 1, local.tm_mday);
+    char date[16];
+    std::strftime(date, sizeof date, "%Y-%m-%d", &local);
     return std::string(date) + (suffix.empty() ? "" : "-" + suffix) + ".log";
 }
 

