@@ -1,8 +1,7 @@
 // The device end of a serial line for SerialIO's tests. On POSIX the test holds a fresh
-// pseudo-terminal's master itself; a Windows build under Wine cannot, so there a relay on
-// the Linux side (socat) holds it, makes a fresh pseudo-terminal for each connection,
-// links it to the COM port of OVO_SERIAL_PORT and passes its bytes to a TCP connection on
-// OVO_SERIAL_RELAY_PORT.
+// pseudo-terminal's master itself; a Windows program under Wine cannot, so there a relay
+// on the Linux side (socat) holds it, links the terminal to the COM port of
+// OVO_SERIAL_PORT, and passes its bytes to one TCP connection on OVO_SERIAL_RELAY_PORT.
 #ifndef OVO_TESTS_IO_SERIAL_PEER_H
 #define OVO_TESTS_IO_SERIAL_PEER_H
 
@@ -29,8 +28,8 @@ public:
 
 private:
     std::string portName_;
-    long long device_ = -1; // the master's descriptor, or the relay's socket
-    int terminal_ = -1;     // POSIX: the port end, held open so that it outlives the port
+    int device_ = -1;   // POSIX: the master
+    int terminal_ = -1; // POSIX: the port end, held open so that it outlives the port
 };
 
 #endif

@@ -9,9 +9,7 @@
 SerialPeer::SerialPeer()
 {
     char name[256] = {};
-    int master = -1;
-    EXPECT_EQ(::openpty(&master, &terminal_, name, nullptr, nullptr), 0);
-    device_ = master;
+    EXPECT_EQ(::openpty(&device_, &terminal_, name, nullptr, nullptr), 0);
     portName_ = name;
 }
 
@@ -23,13 +21,13 @@ SerialPeer::~SerialPeer()
 
 void SerialPeer::send(const std::string& bytes)
 {
-    ASSERT_EQ(::write(static_cast<int>(device_), bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+    ASSERT_EQ(::write(device_, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
 }
 
 std::string SerialPeer::receive(std::size_t size)
 {
     std::string bytes(size, '\0');
-    pollfd peer{static_cast<int>(device_), POLLIN, 0};
+    pollfd peer{device_, POLLIN, 0};
     const ssize_t count = ::poll(&peer, 1, 1000) == 1 ? ::read(peer.fd, &bytes[0], size) : 0;
     return bytes.substr(0, static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
 }
@@ -37,7 +35,7 @@ std::string SerialPeer::receive(std::size_t size)
 void SerialPeer::goAway()
 {
     if (device_ >= 0)
-        ::close(static_cast<int>(device_));
+        ::close(device_);
     device_ = -1;
 }
 
