@@ -73,8 +73,13 @@ check "serial send, what the device got" "02 41 00 03" "$(od -An -tx1 "$work/dev
 (sleep 1 && printf '\006\000\377' >"${ptys[1]}") &
 check "serial recv" $'0\n06 00 FF' "$(ovo serial "$port" --timeout=10000 recv 3)"
 check "serial recv, nothing comes" $'1\n(nothing)\novo serial: received 0 of 1 bytes' "$(ovo serial "$port" --timeout=200 recv 1)"
+# The demo: its second process started by CreateProcess, its serial part against the device
+# here that answers 02 41 03 with 06; Wine's PC/SC side has no reader.
+(timeout 20 head -c 3 "${ptys[1]}" >/dev/null && printf '\006' >"${ptys[1]}") &
+check "demo" $'1\ncard: not run, channel: ok, serial: ok' \
+    "$(ovo demo "$port" "--log-dir=Z:$work" | grep -E '^[0-9]+$|^card: ')"
 
-# A script: two lines run, the third fails, the fourth does not run.
+# A script: the comment is skipped, two lines run, the fourth fails, the fifth does not run.
 printf 'AB' >"$work/bytes"
 printf '# a comment\r\nhexdump Z:%s\r\nhexdump "Z:%s"\r\nserial %s recv 0\r\nhexdump Z:%s\r\n' \
     "$work/bytes" "$work/bytes" "$port" "$work/bytes" >"$work/script"

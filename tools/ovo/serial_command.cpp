@@ -46,15 +46,13 @@ ovo::io::SerialConfig portSettings(const std::string& text)
     return config;
 }
 
-std::string devicePath(const ovo::io::SerialConfig& config) { return serialDevicePath(config.deviceName()); }
-
 // The open device, or a Failure that says what to do about it.
 std::unique_ptr<ovo::io::SerialIO> openDevice(const ovo::io::SerialConfig& config, ovo::logger::ILogger& log)
 {
     try {
         return std::unique_ptr<ovo::io::SerialIO>(new ovo::io::SerialIO(config, log));
     } catch (const std::exception& error) {
-        const std::string path = devicePath(config);
+        const std::string path = serialDevicePath(config.deviceName());
         const unsigned long code = errorCode(error.what());
         if (std::string(error.what()).rfind("::GetCommState", 0) == 0)
             throw Failure(path + " is not a serial device: " + systemWords(code));
@@ -119,7 +117,7 @@ int serialCommand(const std::vector<std::string>& args)
         const unsigned int count = device->recv(chunk.data(), static_cast<unsigned int>(chunk.size()));
         // Nothing, before the quiet time passed: the read failed (unplugged, or the peer closed).
         if (count == 0 && std::chrono::steady_clock::now() - start < std::chrono::milliseconds(quietMs / 2))
-            throw Failure(devicePath(config) + " went away");
+            throw Failure(serialDevicePath(config.deviceName()) + " went away");
         if (count == 0)
             continue;
         printDump(chunk.data(), count, offset);
