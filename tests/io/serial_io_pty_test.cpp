@@ -29,7 +29,6 @@ protected:
         c.setCommTimeouts(timeouts);
         return c;
     }
-    void deviceSends(const std::string& bytes) { peer.send(bytes); }
 
     SerialPeer peer;
     std::shared_ptr<ovo_test::RecordingChannel> channel = std::make_shared<ovo_test::RecordingChannel>();
@@ -66,7 +65,7 @@ TEST_F(PtyPair, ReadTimeOuts)
         SerialIO port(config(c.timeouts));
         std::thread device([&] {
             std::this_thread::sleep_for(milliseconds(c.delay));
-            deviceSends(std::string(c.sent, 'x'));
+            peer.send(std::string(c.sent, 'x'));
         });
         std::vector<unsigned char> buffer(c.asked);
         const auto start = Clock::now();
@@ -90,9 +89,9 @@ TEST_F(PtyPair, OpensExclusivelyTransfersInAttemptsAndPurges)
     EXPECT_EQ(port.send(reinterpret_cast<const unsigned char*>("\x02\x10\x03"), 3), 3u);
     EXPECT_EQ(peer.receive(4), "\x02\x10\x03");
     std::thread device([&] {
-        deviceSends("ABCD");
+        peer.send("ABCD");
         std::this_thread::sleep_for(milliseconds(150)); // past the interval: a second attempt
-        deviceSends("EFGHIJ");
+        peer.send("EFGHIJ");
     });
     unsigned char buffer[10] = {};
     EXPECT_EQ(port.recv(buffer, 10), 10u);
@@ -105,7 +104,7 @@ TEST_F(PtyPair, OpensExclusivelyTransfersInAttemptsAndPurges)
                   "recv <- [ 4 of 10 ]: \n41 42 43 44" + std::string(37, ' ') + "| ABCD" + std::string(12, ' '),
                   "recv <- [ 6 ]: \n45 46 47 48 49 4A" + std::string(31, ' ') + "| EFGHIJ" + std::string(10, ' ')}));
     logger.setLevel(0); // no transfer traces
-    deviceSends("0123456789");
+    peer.send("0123456789");
     std::this_thread::sleep_for(milliseconds(20));
     EXPECT_EQ(port.recv(buffer, 2), 2u);
     EXPECT_EQ(port.available(), 8u);
@@ -120,7 +119,7 @@ TEST_F(PtyPair, VanishedDeviceGivesShortCountsNotAHang)
     if (SerialPeer::underWine())
         GTEST_SKIP() << "Wine's read keeps waiting on a terminal whose device end closed: a hang-up never ends it";
     SerialIO port(config({0, 0, 0, 0, 0})); // all zero: a read would wait for every byte
-    deviceSends("ab");
+    peer.send("ab");
     std::thread device([&] { std::this_thread::sleep_for(milliseconds(50)), peer.goAway(); });
     unsigned char buffer[10] = {};
     EXPECT_EQ(port.recv(buffer, 10), 2u);

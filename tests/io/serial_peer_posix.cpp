@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <poll.h>
 #include <pty.h>
 #include <unistd.h>
