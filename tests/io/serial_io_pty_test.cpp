@@ -83,7 +83,7 @@ TEST_F(PtyPair, ReadTimeOuts)
 TEST_F(PtyPair, OpensExclusivelyTransfersInAttemptsAndPurges)
 {
     SerialIO port(config({40, 300, 0, 0, 0}), logger);
-    if (!SerialPeer::underWine()) { // Windows refuses a second open of a port (ERROR_ACCESS_DENIED); Wine does not
+    if (!SerialPeer::underWine()) { // see the end
         EXPECT_THROW(SerialIO second(config({0, 0, 0, 0, 0})), std::runtime_error);
     }
     EXPECT_EQ(port.send(reinterpret_cast<const unsigned char*>("\x02\x10\x03"), 3), 3u);
@@ -112,6 +112,8 @@ TEST_F(PtyPair, OpensExclusivelyTransfersInAttemptsAndPurges)
     EXPECT_EQ(port.available(), 0u);
     EXPECT_EQ(port.recv(buffer, 10), 0u);
     EXPECT_EQ(channel->messages().size(), 4u);
+    if (SerialPeer::underWine())
+        GTEST_SKIP() << "exclusive open: Wine opens a port a second time, which Windows refuses (ERROR_ACCESS_DENIED)";
 }
 
 TEST_F(PtyPair, VanishedDeviceGivesShortCountsNotAHang)
