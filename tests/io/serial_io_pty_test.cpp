@@ -23,13 +23,6 @@ class PtyPair : public testing::Test {
 protected:
     void SetUp() override { logger.setLevel(1); }
 
-    SerialConfig config(const SerialTimeouts& timeouts) const
-    {
-        SerialConfig c = SerialConfig::fromString("device=" + peer.portName());
-        c.setCommTimeouts(timeouts);
-        return c;
-    }
-
     SerialPeer peer;
     std::shared_ptr<ovo_test::RecordingChannel> channel = std::make_shared<ovo_test::RecordingChannel>();
     ovo::logger::ILogger& logger = ovo::logger::add("serial", channel);
@@ -62,7 +55,7 @@ TEST_F(PtyPair, ReadTimeOuts)
             wineDifferences += std::string(c.rule) + ": " + c.wine + ". ";
             continue;
         }
-        SerialIO port(config(c.timeouts));
+        SerialIO port(peer.config(c.timeouts));
         std::thread device([&] {
             std::this_thread::sleep_for(milliseconds(c.delay));
             peer.send(std::string(c.sent, 'x'));
@@ -82,9 +75,9 @@ TEST_F(PtyPair, ReadTimeOuts)
 
 TEST_F(PtyPair, OpensExclusivelyTransfersInAttemptsAndPurges)
 {
-    SerialIO port(config({40, 300, 0, 0, 0}), logger);
+    SerialIO port(peer.config({40, 300, 0, 0, 0}), logger);
     if (!SerialPeer::underWine()) { // see the end
-        EXPECT_THROW(SerialIO second(config({0, 0, 0, 0, 0})), std::runtime_error);
+        EXPECT_THROW(SerialIO second(peer.config({0, 0, 0, 0, 0})), std::runtime_error);
     }
     EXPECT_EQ(port.send(reinterpret_cast<const unsigned char*>("\x02\x10\x03"), 3), 3u);
     EXPECT_EQ(peer.receive(4), "\x02\x10\x03");
@@ -120,7 +113,7 @@ TEST_F(PtyPair, VanishedDeviceGivesShortCountsNotAHang)
 {
     if (SerialPeer::underWine())
         GTEST_SKIP() << "Wine's read keeps waiting on a terminal whose device end closed: a hang-up never ends it";
-    SerialIO port(config({0, 0, 0, 0, 0})); // all zero: a read would wait for every byte
+    SerialIO port(peer.config({0, 0, 0, 0, 0})); // all zero: a read would wait for every byte
     peer.send("ab");
     std::thread device([&] { std::this_thread::sleep_for(milliseconds(50)), peer.goAway(); });
     unsigned char buffer[10] = {};

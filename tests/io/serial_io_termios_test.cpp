@@ -1,6 +1,8 @@
 // SerialIO over pseudo-terminal pairs, where the test needs the terminal's Linux side:
 // paths that are no serial device, queues filled through the terminal, and the line's
 // settings read back from it.
+#include "serial_peer.h"
+
 #include <ovo/io/serial_io.h>
 #include <ovo/logger/logger.h>
 
@@ -13,7 +15,6 @@
 #include <algorithm>
 #include <fcntl.h>
 #include <poll.h>
-#include <pty.h>
 #include <sys/stat.h>
 #include <termios.h>
 #include <thread>
@@ -26,25 +27,8 @@ namespace {
 
 const unsigned int maxDword = 0xFFFFFFFFu;
 
-class PtyPair : public testing::Test {
-protected:
-    void SetUp() override
-    {
-        char name[256] = {};
-        ASSERT_EQ(::openpty(&master, &slave, name, nullptr, nullptr), 0);
-        slaveName = name;
-    }
-    void TearDown() override { ::close(master), ::close(slave); }
-
-    SerialConfig config(const SerialTimeouts& timeouts) const
-    {
-        SerialConfig c = SerialConfig::fromString("device=" + slaveName);
-        c.setCommTimeouts(timeouts);
-        return c;
-    }
-
-    int master = -1, slave = -1;
-    std::string slaveName;
+struct PtyPair : testing::Test {
+    SerialPeer peer;
 };
 
 } // namespace
@@ -79,22 +63,22 @@ TEST_F(PtyPair, WriteTimeOuts)
         bool whole;
     } cases[] = {{{0, 0, 0, 0, maxDword}, true}, {{0, 0, 0, maxDword, maxDword}, true}, {{0, 0, 0, 200, 0}, false}};
     termios raw; // a line-editing master would drop what does not fit instead of holding it back
-    ASSERT_EQ(::tcgetattr(master, &raw), 0);
+    ASSERT_EQ(::tcgetattr(peer.master(), &raw), 0);
     ::cfmakeraw(&raw);
-    ASSERT_EQ(::tcsetattr(master, TCSANOW, &raw), 0);
+    ASSERT_EQ(::tcsetattr(peer.master(), TCSANOW, &raw), 0);
     for (const auto& c : cases) {
-        SerialIO port(config(c.timeouts));
-        ASSERT_EQ(::fcntl(slave, F_SETFL, O_NONBLOCK), 0);
+        SerialIO port(peer.config(c.timeouts));
+        ASSERT_EQ(::fcntl(peer.terminal(), F_SETFL, O_NONBLOCK), 0);
         std::size_t queued = 0; // until the kernel, moving bytes between its buffers, takes no more
         for (std::size_t before = 1; queued != before; std::this_thread::sleep_for(milliseconds(20)))
-            for (ssize_t n = (before = queued, 0); (n = ::write(slave, "filler", 6)) > 0;)
+            for (ssize_t n = (before = queued, 0); (n = ::write(peer.terminal(), "filler", 6)) > 0;)
                 queued += static_cast<std::size_t>(n);
         std::thread device([&] {
             std::this_thread::sleep_for(milliseconds(300));
             std::vector<char> drained(1 << 16);
-            pollfd peer{master, POLLIN, 0};
-            for (std::size_t got = 0; c.whole && got < queued + 3000 && ::poll(&peer, 1, 2000) == 1;)
-                got += static_cast<std::size_t>(std::max<ssize_t>(0, ::read(master, drained.data(), drained.size())));
+            pollfd device{peer.master(), POLLIN, 0};
+            for (std::size_t got = 0; c.whole && got < queued + 3000 && ::poll(&device, 1, 2000) == 1;)
+                got += static_cast<std::size_t>(std::max<ssize_t>(0, ::read(peer.master(), drained.data(), drained.size())));
         });
         const std::vector<unsigned char> bytes(3000, 'w');
         EXPECT_EQ(port.send(bytes.data(), 3000) == 3000, c.whole);
@@ -106,7 +90,7 @@ TEST_F(PtyPair, WriteTimeOuts)
 // The kernel forces 8 data bits and no parity enable on a pseudo-terminal: the scripted suite checks those.
 TEST_F(PtyPair, ConfigureReachesTheLine)
 {
-    SerialIO port(config({0, 0, 0, 0, 0}));
+    SerialIO port(peer.config({0, 0, 0, 0, 0}));
     const struct {
         const char* text;
         speed_t speed;
@@ -118,9 +102,9 @@ TEST_F(PtyPair, ConfigureReachesTheLine)
     };
     termios line;
     for (const auto& step : steps) {
-        port.config() = SerialConfig::fromString(std::string(step.text) + ";device=" + slaveName);
+        port.config() = SerialConfig::fromString(std::string(step.text) + ";device=" + peer.portName());
         port.configure();
-        ASSERT_EQ(::tcgetattr(slave, &line), 0);
+        ASSERT_EQ(::tcgetattr(peer.terminal(), &line), 0);
         EXPECT_EQ(cfgetospeed(&line), step.speed) << step.text;
         EXPECT_EQ(line.c_cflag & (PARODD | CSTOPB | CRTSCTS), step.cflags) << step.text;
         EXPECT_EQ(line.c_iflag & (IXON | IXOFF), step.iflags) << step.text;

@@ -5,6 +5,8 @@
 #ifndef OVO_TESTS_IO_SERIAL_PEER_H
 #define OVO_TESTS_IO_SERIAL_PEER_H
 
+#include <ovo/io/serial_config.h>
+
 #include <cstddef>
 #include <string>
 
@@ -17,6 +19,16 @@ public:
 
     // The device name of the port end, for "device=NAME".
     const std::string& portName() const { return portName_; }
+    // The port end's configuration with the time-outs.
+    ovo::io::SerialConfig config(const ovo::io::SerialTimeouts& timeouts) const
+    {
+        ovo::io::SerialConfig c = ovo::io::SerialConfig::fromString("device=" + portName_);
+        c.setCommTimeouts(timeouts);
+        return c;
+    }
+    // POSIX: the descriptors of the master (the device end) and of the terminal (the port end).
+    int master() const { return device_; }
+    int terminal() const { return terminal_; }
     void send(const std::string& bytes);
     // What came from the port within a second, up to size bytes.
     std::string receive(std::size_t size);
