@@ -7,7 +7,7 @@
 #   asan    the test suite under AddressSanitizer and UndefinedBehaviorSanitizer
 #   tsan    the test suite under ThreadSanitizer
 #   win64   the Windows 64-bit build, its test suite under Wine (its ZIP package among
-#           them, run on a clean Wine prefix)
+#           them, run on a clean Wine prefix) and the ovo tool under Wine
 #   parity  the parity scenarios of the linux and win64 builds, run natively and under
 #           Wine, their outputs compared (tests/parity/known_differences.txt lists the
 #           differences kept)
@@ -50,6 +50,16 @@ count() {
     total=$(sed -E 's/.* failed out of ([0-9]+).*/\1/' <<<"$summary")
     passed=$((passed + total - failedHere))
     failed=$((failed + failedHere))
+}
+
+# Runs one check that is no CTest suite and counts it as one test.
+check() {
+    if "$@"; then
+        passed=$((passed + 1))
+    else
+        failed=$((failed + 1))
+        return 1
+    fi
 }
 
 configureAndBuild() { # suite, cmake arguments...
@@ -98,9 +108,10 @@ suite_tsan() {
 }
 
 suite_win64() {
-    configureAndBuild win64 -DCMAKE_TOOLCHAIN_FILE="$root/cmake/toolchains/mingw-w64-x86_64.cmake" &&
-        runTests win64
+    configureAndBuild win64 -DCMAKE_TOOLCHAIN_FILE="$root/cmake/toolchains/mingw-w64-x86_64.cmake" || return 1
+    runTests win64
     local status=$?
+    check "$root/tests/tools/wine_tool_check.sh" "$builds/win64" || status=1
     WINEPREFIX=$builds/win64/wineprefix /usr/lib/wine/wineserver64 -k 2>/dev/null
     return $status
 }
@@ -108,10 +119,9 @@ suite_win64() {
 suite_parity() {
     [ -x "$builds/linux/bin/parity_registry" ] || suite_linux || return 1
     [ -f "$builds/win64/bin/parity_registry.exe" ] || suite_win64 || return 1
-    "$root/tests/parity/compare.sh" "$builds/linux" "$builds/win64"
+    check "$root/tests/parity/compare.sh" "$builds/linux" "$builds/win64"
     local status=$?
     WINEPREFIX=$builds/win64/wineprefix /usr/lib/wine/wineserver64 -k 2>/dev/null
-    if [ $status -eq 0 ]; then passed=$((passed + 1)); else failed=$((failed + 1)); fi
     return $status
 }
 
@@ -128,12 +138,7 @@ suite_package() {
     rm -rf "$dir/packages"
     (cd "$dir" && cpack -G DEB >cpack.log 2>&1) || { cat "$dir/cpack.log"; return 1; }
     ls "$dir"/packages/*.deb
-    if "$root/tests/install/check_debian_packages.sh" "$dir/packages" "$dir/check"; then
-        passed=$((passed + 1))
-    else
-        failed=$((failed + 1))
-        return 1
-    fi
+    check "$root/tests/install/check_debian_packages.sh" "$dir/packages" "$dir/check"
 }
 
 suite_fuzz() {

@@ -36,7 +36,7 @@ std::vector<std::string> readers()
 {
     std::vector<std::string> names = ovo::io::enumeratePCSCDevices();
     if (names.empty())
-        throw Failure("no PC/SC reader found (is the PC/SC service, pcscd, running?)");
+        throw Failure(std::string("no PC/SC reader found (") + pcscServiceHint + ")");
     return names;
 }
 
@@ -65,8 +65,7 @@ std::string timestampNow()
     const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
     const auto millisecond =
         std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count() % 1000;
-    std::tm local = {};
-    localtime_r(&seconds, &local);
+    const std::tm local = localTime(seconds);
     char text[24] = {};
     std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &local);
     return ovo::format("%s.%03d", text, static_cast<int>(millisecond));

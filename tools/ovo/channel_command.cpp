@@ -124,6 +124,7 @@ int channelCommand(const std::vector<std::string>& args)
         else
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
+    log.info("interrupted: the watch of '" + words[0] + "' ends");
     return 0;
 }
 

@@ -1,5 +1,6 @@
 // ovo demo: one card command's road through the library, run for real, then a message
-// channel between two processes and a serial exchange over a pseudo-terminal pair.
+// channel between two processes and a serial exchange over a pseudo-terminal pair (or a
+// port that is given).
 #include "tool.h"
 
 #include <ovo/io/apdu.h>
@@ -13,37 +14,40 @@
 #include <chrono>
 #include <filesystem>
 #include <iostream>
-#include <pty.h>
-#include <sys/wait.h>
-#include <termios.h>
 #include <thread>
-#include <unistd.h>
 
 namespace ovo_tool {
 namespace {
 
 const char demoHelp[] =
-    "usage: ovo demo [--log-dir=DIR] [OPTIONS]\n"
+    "usage: ovo demo [--log-dir=DIR] [--port=SETTINGS] [OPTIONS]\n"
     "Runs the library for real: logging to the console and a daily file (DIR, by default\n"
     "a directory under the system's temporary one), the first PC/SC reader's card (SELECT\n"
     "of the master file, READ BINARY, GET CHALLENGE, the traffic traced), a message\n"
-    "channel between two processes, and a serial exchange over a pseudo-terminal pair.\n";
+    "channel between two processes, and a serial exchange over a pseudo-terminal pair, or\n"
+    "with --port over that port, whose device must answer 02 41 03 with 06 (Windows has\n"
+    "no pseudo-terminals: there the serial part needs --port).\n";
+
+const unsigned int channelSize = 8192;
 
 void say(const std::string& text) { std::cout << "\n== " << text << std::endl; }
 
-bool cardPart(ovo::logger::ILogger& log)
+// How a part of the demo went.
+const char ok[] = "ok", failed[] = "failed", notRun[] = "not run";
+
+const char* cardPart(ovo::logger::ILogger& log)
 {
     say("A card: the first reader of the enumeration, connect, three command units");
     const std::vector<std::string> readers = ovo::io::enumeratePCSCDevices();
     if (readers.empty()) {
-        std::cout << "no PC/SC reader found: is pcscd running? (scripts/ovo demo starts one with a virtual card)\n";
-        return false;
+        std::cout << "no PC/SC reader found (" << pcscServiceHint << ")\n";
+        return notRun;
     }
     std::cout << "readers: " << readers.size() << ", taking '" << readers.front() << "'\n";
     ovo::io::pcsc reader(readers.front(), log);
     if (!reader.isCardPresented()) {
         std::cout << "no card in '" << readers.front() << "'\n";
-        return false;
+        return notRun;
     }
     reader.connect();
     const unsigned char masterFile[] = {0x3F, 0x00};
@@ -63,84 +67,82 @@ bool cardPart(ovo::logger::ILogger& log)
     }
     std::cout << "(a status word that is no success is an answer of the card, not an exception)\n";
     reader.disconnect();
-    return true;
+    return ok;
 }
 
-bool channelPart(ovo::logger::ILogger& log)
+// The second process of the channel part: waits for a question and answers it, then
+// stays until the answer is taken.
+int answerOn(const std::string& name)
+{
+    ovo::ipc::MessageChannel own(name, channelSize);
+    Bytes question;
+    while (!own.recv(1, question))
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    std::string answer = "pong to " + std::string(question.begin(), question.end());
+    own.send(2, &answer[0], static_cast<unsigned int>(answer.size()));
+    while (own.inQueue() != 0)
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    return 0;
+}
+
+const char* channelPart(ovo::logger::ILogger& log)
 {
     say("A message channel: this process and a second one exchange two messages");
-    const std::string name = ovo::format("ovo-demo-%d", static_cast<int>(getpid()));
-    ovo::ipc::MessageChannel channel(name, 8192);
-    const pid_t peer = fork();
-    if (peer == 0) { // the second process: waits for a question and answers it
-        ovo::ipc::MessageChannel own(name, 8192);
-        Bytes question;
-        while (!own.recv(1, question))
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        std::string answer = "pong to " + std::string(question.begin(), question.end());
-        own.send(2, &answer[0], static_cast<unsigned int>(answer.size()));
-        while (own.inQueue() != 0) // stays until the answer is taken
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        _exit(0);
-    }
+    const std::string name = ovo::format("ovo-demo-%lu", currentProcessId());
+    ovo::ipc::MessageChannel channel(name, channelSize);
+    ToolProcess peer({"demo", "--answer-on=" + name});
     std::string question = "ping";
     channel.send(1, &question[0], static_cast<unsigned int>(question.size()));
-    std::cout << "process " << getpid() << " sent \"ping\" with identifier 1 to '" << name << "'\n";
+    std::cout << "process " << currentProcessId() << " sent \"ping\" with identifier 1 to '" << name << "'\n";
     Bytes answer;
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
     while (!channel.recv(2, answer) && std::chrono::steady_clock::now() < end)
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    int status = 0;
-    waitpid(peer, &status, 0);
+    peer.wait();
     log.traceHex("channel <-", answer.data(), static_cast<unsigned int>(answer.size()));
-    std::cout << "process " << peer << " answered \"" << std::string(answer.begin(), answer.end())
+    std::cout << "process " << peer.id() << " answered \"" << std::string(answer.begin(), answer.end())
               << "\" with identifier 2\n";
-    return !answer.empty();
+    return answer.empty() ? failed : ok;
 }
 
-bool serialPart(ovo::logger::ILogger& log)
+// Sends STX 'A' ETX to the device of the settings and waits for its ACK.
+bool exchangeFrame(const std::string& settings, ovo::logger::ILogger& log)
 {
-    say("A serial exchange over a pseudo-terminal pair: this process is the host, a thread the device");
-    int device = -1, host = -1;
-    char path[256] = {};
-    if (openpty(&device, &host, path, nullptr, nullptr) != 0) {
-        std::cout << "no pseudo-terminal available\n";
-        return false;
-    }
-    termios raw;
-    tcgetattr(host, &raw);
-    cfmakeraw(&raw);
-    tcsetattr(host, TCSANOW, &raw);
-    std::thread peer([device] { // answers STX 'A' ETX with ACK
-        unsigned char frame[3];
-        std::size_t got = 0;
-        while (got < sizeof frame) {
-            const ssize_t count = read(device, frame + got, sizeof frame - got);
-            if (count <= 0)
-                return;
-            got += static_cast<std::size_t>(count);
-        }
-        const unsigned char ack = 0x06;
-        (void)!write(device, &ack, 1);
-    });
-    bool answered = false;
-    {
-        ovo::io::SerialConfig config = ovo::io::SerialConfig::fromString(
-            ovo::format("device=%s;baud=115200;data=8;parity=none;stop=1", path));
-        config.setCommTimeouts({0, 2000, 0, 2000, 0});
-        config.setBuffersSize({4096, 4096});
-        std::cout << "port: " << config.toString() << '\n';
-        ovo::io::SerialIO port(config, log);
-        const unsigned char frame[] = {0x02, 0x41, 0x03};
-        port.send(frame, sizeof frame);
-        unsigned char reply = 0;
-        answered = port.recv(&reply, 1) == 1 && reply == 0x06;
-        std::cout << "sent 02 41 03, the device answered " << (answered ? "06 (ACK)" : "nothing") << '\n';
-    }
-    peer.join();
-    close(device);
-    close(host);
+    ovo::io::SerialConfig config = ovo::io::SerialConfig::fromString(settings);
+    config.setCommTimeouts({0, 2000, 0, 2000, 0});
+    config.setBuffersSize({4096, 4096});
+    std::cout << "port: " << config.toString() << '\n';
+    ovo::io::SerialIO port(config, log);
+    const unsigned char frame[] = {0x02, 0x41, 0x03};
+    port.send(frame, sizeof frame);
+    unsigned char reply = 0;
+    const bool answered = port.recv(&reply, 1) == 1 && reply == 0x06;
+    std::cout << "sent 02 41 03, the device answered " << (answered ? "06 (ACK)" : "nothing") << '\n';
     return answered;
+}
+
+const char* serialPart(const std::string& port, ovo::logger::ILogger& log)
+{
+    if (!port.empty()) {
+        say("A serial exchange over the port given: this process is the host");
+        return exchangeFrame(port, log) ? ok : failed;
+    }
+    say("A serial exchange over a pseudo-terminal pair: this process is the host, a thread the device");
+    PseudoTerminal terminal;
+    if (!terminal.opened()) {
+        std::cout << "no pseudo-terminal on this system: give a port with --port\n";
+        return notRun;
+    }
+    std::thread device([&terminal] { // answers STX 'A' ETX with ACK
+        unsigned char frame[3];
+        const unsigned char ack = 0x06;
+        if (terminal.readAll(frame, sizeof frame))
+            terminal.write(&ack, 1);
+    });
+    const bool answered = exchangeFrame(ovo::format("device=%s;baud=115200;data=8;parity=none;stop=1",
+                                                    terminal.path().c_str()), log);
+    device.join();
+    return answered ? ok : failed;
 }
 
 } // namespace
@@ -148,37 +150,34 @@ bool serialPart(ovo::logger::ILogger& log)
 int demoCommand(const std::vector<std::string>& args)
 {
     CommandLine line;
+    std::string port, answerChannel;
+    line.addText("port", "a serial port whose device answers (device=...;baud=...)", port);
+    line.addText("answer-on", "(the second process of the channel part)", answerChannel);
     line.parse(args);
     if (line.printedHelp(demoHelp))
         return 0;
     line.expectNoWords("ovo demo");
-    std::vector<std::string> words = args;
+    if (!answerChannel.empty())
+        return answerOn(answerChannel);
     std::string directory = line.logDirectory();
     if (directory.empty()) {
         directory = (std::filesystem::temp_directory_path() / "ovo-demo").string();
         std::filesystem::create_directories(directory);
-        words.push_back("--log-dir=" + directory);
     }
-    bool traced = false;
-    for (const std::string& word : args)
-        traced = traced || word.compare(0, 12, "--log-level=") == 0;
-    if (!traced)
-        words.push_back("--log-level=1"); // the traffic too
-    CommandLine demo;
-    demo.parse(words);
+    CommandLine demo; // the log options of the line, the traffic too unless it says otherwise
+    demo.parse({"--log-dir=" + directory, ovo::format("--log-level=%d", line.logLevelGiven() ? line.logLevel() : 1)});
     std::cout << std::unitbuf; // in step with the log lines on standard error
     say("Logging: the console (standard error) and a daily file, through one split channel");
     ovo::logger::ILogger& log = setUpLogging(demo, "ovo.demo");
     log.info("the demo starts");
-    const bool card = cardPart(log);
-    const bool channel = channelPart(log);
-    const bool serial = serialPart(log);
+    const char* const card = cardPart(log);
+    const char* const channel = channelPart(log);
+    const char* const serial = serialPart(port, log);
     log.info("the demo ends");
     say("Done");
-    std::cout << "card: " << (card ? "ok" : "not run") << ", channel: " << (channel ? "ok" : "failed")
-              << ", serial: " << (serial ? "ok" : "failed") << '\n'
+    std::cout << "card: " << card << ", channel: " << channel << ", serial: " << serial << '\n'
               << "the log file is " << logFilePath(directory) << '\n';
-    return card && channel && serial ? 0 : 1;
+    return card == ok && channel == ok && serial == ok ? 0 : 1;
 }
 
 } // namespace ovo_tool

@@ -1,17 +1,17 @@
 #include "input_file.h"
 
 #include "command_line.h"
+#include "tool_platform.h"
 
 #include <cerrno>
 #include <cstring>
-#include <fcntl.h>
 #include <unistd.h>
 
 namespace ovo_tool {
 
 InputFile::InputFile(const std::string& path)
     : name_(path == "-" ? "standard input" : path),
-      descriptor_(path == "-" ? STDIN_FILENO : open(path.c_str(), O_RDONLY))
+      descriptor_(openForReading(path))
 {
     if (descriptor_ < 0)
         throw Failure("cannot open '" + path + "': " + std::strerror(errno));

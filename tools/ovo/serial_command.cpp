@@ -16,8 +16,9 @@ namespace {
 const char serialHelp[] =
     "usage: ovo serial --port=SETTINGS [--timeout=MS] [OPTIONS] send HEX | recv N | monitor\n"
     "SETTINGS is the serial configuration's text form, e.g. \"device=ttyUSB0;baud=9600;data=8;\n"
-    "parity=none;stop=1\" (device: a name under /dev, or an absolute path; data: 5 to 8;\n"
-    "parity: none, even or odd; stop: 1, 1.5 or 2; flow: off, software or hardware).\n"
+    "parity=none;stop=1\" (device: a name under /dev, or an absolute path; on Windows a\n"
+    "port such as COM7; data: 5 to 8; parity: none, even or odd; stop: 1, 1.5 or 2; flow:\n"
+    "off, software or hardware).\n"
     "  send HEX   sends the bytes\n"
     "  recv N     waits up to the time-out for N bytes and prints them; exit status 1 when\n"
     "             fewer came\n"
@@ -45,19 +46,13 @@ ovo::io::SerialConfig portSettings(const std::string& text)
     return config;
 }
 
-std::string devicePath(const ovo::io::SerialConfig& config)
-{
-    const std::string& name = config.deviceName();
-    return name[0] == '/' ? name : "/dev/" + name;
-}
-
 // The open device, or a Failure that says what to do about it.
 std::unique_ptr<ovo::io::SerialIO> openDevice(const ovo::io::SerialConfig& config, ovo::logger::ILogger& log)
 {
     try {
         return std::unique_ptr<ovo::io::SerialIO>(new ovo::io::SerialIO(config, log));
     } catch (const std::exception& error) {
-        const std::string path = devicePath(config);
+        const std::string path = serialDevicePath(config.deviceName());
         const unsigned long code = errorCode(error.what());
         if (std::string(error.what()).rfind("::GetCommState", 0) == 0)
             throw Failure(path + " is not a serial device: " + systemWords(code));
@@ -100,7 +95,7 @@ int serialCommand(const std::vector<std::string>& args)
         const std::size_t sent = bounded.send(bytes.data(), bytes.size());
         std::cout << "sent " << sent << " of " << bytes.size() << " bytes\n";
         if (sent != bytes.size())
-            throw Failure(ovo::format("the device took %zu of %zu bytes", sent, bytes.size()));
+            throw Failure("the device took " + std::to_string(sent) + " of " + std::to_string(bytes.size()) + " bytes");
         return 0;
     }
     if (action == "recv") {
@@ -122,7 +117,7 @@ int serialCommand(const std::vector<std::string>& args)
         const unsigned int count = device->recv(chunk.data(), static_cast<unsigned int>(chunk.size()));
         // Nothing, before the quiet time passed: the read failed (unplugged, or the peer closed).
         if (count == 0 && std::chrono::steady_clock::now() - start < std::chrono::milliseconds(quietMs / 2))
-            throw Failure(devicePath(config) + " went away");
+            throw Failure(serialDevicePath(config.deviceName()) + " went away");
         if (count == 0)
             continue;
         printDump(chunk.data(), count, offset);

@@ -6,38 +6,21 @@
 #include <ovo/number_formatter.h>
 #include <ovo/strings.h>
 
-#include <atomic>
-#include <cerrno>
-#include <csignal>
-#include <cstring>
 #include <ctime>
+#include <filesystem>
 #include <iostream>
 #include <memory>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace ovo_tool {
-namespace {
-
-// The reason a directory cannot take log files (the log would lose them silently); 0 when it can.
-int unfitForLogs(const std::string& directory)
-{
-    struct stat status = {};
-    if (stat(directory.c_str(), &status) != 0)
-        return errno;
-    if (!S_ISDIR(status.st_mode))
-        return ENOTDIR;
-    return access(directory.c_str(), W_OK | X_OK) != 0 ? errno : 0;
-}
-
-} // namespace
 
 ovo::logger::ILogger& setUpLogging(const CommandLine& line, const std::string& name)
 {
     using namespace ovo::logger;
     const std::string& directory = line.logDirectory();
-    if (const int reason = directory.empty() ? 0 : unfitForLogs(directory))
-        throw Failure("cannot log into '" + directory + "': " + std::strerror(reason));
+    // A directory that cannot take the log would lose it silently.
+    const std::string reason = directory.empty() ? std::string() : unfitForLogs(directory);
+    if (!reason.empty())
+        throw Failure("cannot log into '" + directory + "': " + reason);
     auto both = std::make_shared<SplitLogChannel>();
     if (line.logLevelGiven()) {
         // Without --log-level the console shows only what the tool says: a failure the
@@ -63,11 +46,10 @@ std::string logFilePath(const std::string& directory)
 {
     if (directory.empty())
         return std::string();
-    const std::time_t now = std::time(nullptr);
-    std::tm local = {};
-    localtime_r(&now, &local);
-    return ovo::format("%s/%04d-%02d-%02d-ovo.log", directory.c_str(), local.tm_year + 1900, local.tm_mon + 1,
-                       local.tm_mday);
+    const std::tm local = localTime(std::time(nullptr));
+    const std::string name =
+        ovo::format("%04d-%02d-%02d-ovo.log", local.tm_year + 1900, local.tm_mon + 1, local.tm_mday);
+    return (std::filesystem::path(directory) / name).string(); // with the system's separator
 }
 
 Bytes parseHex(const std::string& text)
@@ -103,19 +85,6 @@ void printDump(const unsigned char* data, std::size_t size, unsigned long long o
         offset += 16;
     }
 }
-
-namespace {
-std::atomic<bool> stopRequested{false};
-void requestStop(int) { stopRequested = true; }
-} // namespace
-
-void watchInterrupts()
-{
-    std::signal(SIGINT, requestStop);
-    std::signal(SIGTERM, requestStop);
-}
-
-bool interrupted() { return stopRequested; }
 
 std::string statusMeaning(unsigned char sw1, unsigned char sw2)
 {

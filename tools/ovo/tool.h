@@ -4,6 +4,7 @@
 #define OVO_TOOLS_OVO_TOOL_H
 
 #include "command_line.h"
+#include "tool_platform.h"
 
 #include <ovo/logger/logger.h>
 
@@ -42,10 +43,6 @@ std::string hex(const Bytes& bytes);
 
 // The library's dump of the bytes, 16 a line, each line after its offset in hex.
 void printDump(const unsigned char* data, std::size_t size, unsigned long long offset);
-
-// True once SIGINT or SIGTERM arrived (after watchInterrupts()).
-void watchInterrupts();
-bool interrupted();
 
 // The short meaning of a status word of ISO/IEC 7816-4.
 std::string statusMeaning(unsigned char sw1, unsigned char sw2);

@@ -1,0 +1,75 @@
+// What the tool does one way on POSIX systems and another on Windows: interrupts, local
+// time, files, device paths, a second process and pseudo-terminals. The commands above
+// this seam read alike on both; CMake picks tool_platform_posix.cpp or _windows.cpp.
+#ifndef OVO_TOOLS_OVO_TOOL_PLATFORM_H
+#define OVO_TOOLS_OVO_TOOL_PLATFORM_H
+
+#include <cstddef>
+#include <ctime>
+#include <string>
+#include <vector>
+
+namespace ovo_tool {
+
+// From now on Ctrl-C (and on POSIX SIGTERM) only sets the flag that interrupted() reads.
+void watchInterrupts();
+bool interrupted();
+
+std::tm localTime(std::time_t time);
+
+// Why the directory cannot take log files, in words; empty when it can.
+std::string unfitForLogs(const std::string& directory);
+
+// A descriptor that reads the file's bytes as they are ("-": standard input); -1 with
+// errno set when it cannot be opened.
+int openForReading(const std::string& path);
+
+// The path the library opens for a serial device name, as the tool's messages show it.
+std::string serialDevicePath(const std::string& deviceName);
+
+// The system's hint where no PC/SC reader answers.
+extern const char* const pcscServiceHint;
+
+unsigned long currentProcessId();
+
+// The tool run with the given words in a second process, beside this one.
+class ToolProcess {
+public:
+    explicit ToolProcess(const std::vector<std::string>& words);
+    ToolProcess(const ToolProcess&) = delete;
+    ToolProcess& operator=(const ToolProcess&) = delete;
+    ~ToolProcess(); // waits for it
+    unsigned long id() const { return id_; }
+    // Its exit status, once it ended.
+    int wait();
+
+private:
+    unsigned long id_ = 0;
+    void* handle_ = nullptr; // Windows only
+    bool waited_ = false;
+    int status_ = -1;
+};
+
+// A raw pseudo-terminal pair: a program opens the terminal by path(), this process plays
+// the device on the other end. Windows has none: opened() is false there.
+class PseudoTerminal {
+public:
+    PseudoTerminal();
+    PseudoTerminal(const PseudoTerminal&) = delete;
+    PseudoTerminal& operator=(const PseudoTerminal&) = delete;
+    ~PseudoTerminal();
+    bool opened() const { return device_ >= 0; }
+    const std::string& path() const { return path_; }
+    // Exactly size bytes from the device's end; false when the terminal failed first.
+    bool readAll(unsigned char* data, std::size_t size);
+    bool write(const unsigned char* data, std::size_t size);
+
+private:
+    int device_ = -1;
+    int terminal_ = -1;
+    std::string path_;
+};
+
+} // namespace ovo_tool
+
+#endif
