@@ -38,16 +38,6 @@ bool stampedBetween(std::chrono::system_clock::time_point before, const std::str
     return from <= to ? from <= stamp && stamp <= to : stamp >= from || stamp <= to;
 }
 
-// Formats with the one formatter that serves every thread; gives the text behind the stamp.
-std::string formatBehindStamp(const std::string& name, const std::string& message)
-{
-    static SimpleFormatter formatter;
-    const auto before = std::chrono::system_clock::now();
-    const std::string text = formatter.format(name, message);
-    EXPECT_TRUE(stampedBetween(before, text)) << text;
-    return text.substr(12);
-}
-
 // Sets TZ, or removes it for a null zone, and tells the C library.
 void setTimeZone(const char* zone)
 {
@@ -87,12 +77,17 @@ TEST(SimpleFormatter, LayoutToTheByteInManyThreadsAtOnce)
         {std::string("ab\0cd", 5), "m", " [ab              ] m\n"},
         {"100%", "%s %d", " [100%            ] %s %d\n"},
     };
+    SimpleFormatter formatter; // one for every thread
     std::vector<std::thread> threads;
     for (int t = 0; t < 4; ++t)
         threads.emplace_back([&] {
             for (int round = 0; round < 100 && !testing::Test::HasFailure(); ++round)
-                for (const auto& c : cases)
-                    EXPECT_EQ(formatBehindStamp(c.name, c.message), c.behindStamp) << "message [" << c.message << "]";
+                for (const auto& c : cases) {
+                    const auto before = std::chrono::system_clock::now();
+                    const std::string text = formatter.format(c.name, c.message);
+                    EXPECT_TRUE(stampedBetween(before, text)) << text;
+                    EXPECT_EQ(text.substr(12), c.behindStamp) << "message [" << c.message << "]";
+                }
         });
     for (auto& thread : threads)
         thread.join();
