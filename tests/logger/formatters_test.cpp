@@ -1,5 +1,7 @@
 #include <ovo/logger/formatters.h>
 
+#include "support/process.h"
+
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -36,16 +38,6 @@ bool stampedBetween(std::chrono::system_clock::time_point before, const std::str
     return from <= to ? from <= stamp && stamp <= to : stamp >= from || stamp <= to;
 }
 
-// Formats with the one formatter that serves every thread; gives the text behind the stamp.
-std::string formatBehindStamp(const std::string& name, const std::string& message)
-{
-    static SimpleFormatter formatter;
-    const auto before = std::chrono::system_clock::now();
-    const std::string text = formatter.format(name, message);
-    EXPECT_TRUE(stampedBetween(before, text)) << text;
-    return text.substr(12);
-}
-
 // Sets TZ, or removes it for a null zone, and tells the C library.
 void setTimeZone(const char* zone)
 {
@@ -62,10 +54,7 @@ void setTimeZone(const char* zone)
 
 TEST(ConsoleFormatter, BareMessageAndLineFeed)
 {
-    ConsoleFormatter formatter;
-    EXPECT_EQ(formatter.format("ignored", "card inserted"), "card inserted\n");
-    EXPECT_EQ(formatter.format("x", "two\nlines\n"), "two\nlines\n\n");
-    EXPECT_EQ(formatter.format("x", std::string("a\0b", 3)), std::string("a\0b\n", 4));
+    EXPECT_EQ(ConsoleFormatter().format("ignored", std::string("a\0b\n", 4)), std::string("a\0b\n\n", 5));
 }
 
 TEST(SimpleFormatter, LayoutToTheByteInManyThreadsAtOnce)
@@ -88,12 +77,17 @@ TEST(SimpleFormatter, LayoutToTheByteInManyThreadsAtOnce)
         {std::string("ab\0cd", 5), "m", " [ab              ] m\n"},
         {"100%", "%s %d", " [100%            ] %s %d\n"},
     };
+    SimpleFormatter formatter; // one for every thread
     std::vector<std::thread> threads;
     for (int t = 0; t < 4; ++t)
         threads.emplace_back([&] {
             for (int round = 0; round < 100 && !testing::Test::HasFailure(); ++round)
-                for (const auto& c : cases)
-                    EXPECT_EQ(formatBehindStamp(c.name, c.message), c.behindStamp) << "message [" << c.message << "]";
+                for (const auto& c : cases) {
+                    const auto before = std::chrono::system_clock::now();
+                    const std::string text = formatter.format(c.name, c.message);
+                    EXPECT_TRUE(stampedBetween(before, text)) << text;
+                    EXPECT_EQ(text.substr(12), c.behindStamp) << "message [" << c.message << "]";
+                }
         });
     for (auto& thread : threads)
         thread.join();
@@ -107,16 +101,12 @@ TEST(SimpleFormatter, FollowsATimeZoneChangeWithinASecond)
 
     for (const char* zone : {"UTC0", "XYZ-5", "ABC+3"}) {
         setTimeZone(zone);
-        const auto changed = std::chrono::steady_clock::now();
-        bool followed = false;
-        while (!followed && std::chrono::steady_clock::now() - changed < std::chrono::milliseconds(1500)) {
+        const auto stampedNow = [&] {
             const auto before = std::chrono::system_clock::now();
-            followed = stampedBetween(before, formatter.format("tz", "m"));
-            if (!followed)
-                std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        }
-        EXPECT_TRUE(followed) << zone;
-        EXPECT_LE(std::chrono::steady_clock::now() - changed, std::chrono::milliseconds(1200)) << zone;
+            return stampedBetween(before, formatter.format("tz", "m"));
+        };
+        EXPECT_TRUE(ovo_test::waitUntil(stampedNow, std::chrono::milliseconds(1200), std::chrono::milliseconds(20)))
+            << zone;
     }
     setTimeZone(saved ? savedZone.c_str() : nullptr);
 }

@@ -123,15 +123,13 @@ TEST(Registry, GetCopiesChannelAndLevelOfTheNearestRegisteredAncestorOnce)
 TEST(Registry, ConcurrentGetAndAddAgreeOnOneObjectPerName)
 {
     const int threadCount = 8, nameCount = 200;
-    auto addName = [](int n) { return "threads.add." + std::to_string(n); };
     std::vector<std::vector<lg::ILogger*>> byGet(threadCount), byAdd(threadCount);
     std::vector<std::thread> threads;
     for (int t = 0; t < threadCount; ++t)
         threads.emplace_back([&, t] {
-            for (int n = 0; n < nameCount; ++n) {
-                // the ancestor walk runs while others insert
+            for (int n = 0; n < nameCount; ++n) { // the ancestor walk runs while others insert
                 byGet[t].push_back(&lg::get("threads.get." + std::to_string(n % 10) + "." + std::to_string(n)));
-                byAdd[t].push_back(&lg::add(addName(n), std::make_shared<RecordingChannel>()));
+                byAdd[t].push_back(&lg::add("threads.add." + std::to_string(n), std::make_shared<RecordingChannel>()));
             }
         });
     for (auto& thread : threads)
@@ -144,6 +142,6 @@ TEST(Registry, ConcurrentGetAndAddAgreeOnOneObjectPerName)
             added.insert(byAdd[t][n]);
         }
         EXPECT_EQ(added.size(), static_cast<std::size_t>(threadCount)) << "each add makes its own logger";
-        EXPECT_EQ(added.count(&lg::get(addName(n))), 1u) << "one add registered name " << n;
+        EXPECT_EQ(added.count(&lg::get("threads.add." + std::to_string(n))), 1u) << "one add registered " << n;
     }
 }

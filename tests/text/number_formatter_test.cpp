@@ -11,13 +11,6 @@
 namespace nf = ovo::NumberFormatter;
 using Bytes = std::vector<unsigned char>;
 
-namespace {
-
-unsigned int sizeOf(const Bytes& bytes) { return static_cast<unsigned int>(bytes.size()); }
-std::string dump(const Bytes& bytes, int perLine) { return nf::formatBuffer(bytes.data(), sizeOf(bytes), perLine); }
-
-} // namespace
-
 TEST(NumberFormatter, HexFormsOfEveryByteReadBack)
 {
     const unsigned char pair[] = {0x12, 0xAB};
@@ -61,7 +54,7 @@ TEST(NumberFormatter, DumpLinesHaveOneWidth)
         {{0x61, 0x62}, 1, "61 | a\n62 | b"},
     };
     for (const auto& c : cases)
-        EXPECT_EQ(dump(c.bytes, c.perLine), c.text);
+        EXPECT_EQ(nf::formatBuffer(c.bytes.data(), static_cast<unsigned int>(c.bytes.size()), c.perLine), c.text);
 }
 
 TEST(NumberFormatter, DumpOfNothingAndBadWidthsFail)
