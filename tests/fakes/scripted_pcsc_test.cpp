@@ -10,11 +10,6 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
-#include <stdexcept>
-#include <string>
-#include <vector>
-
 using namespace ovo::io;
 using ovo_fake::pcscScript;
 using Bytes = std::vector<unsigned char>;

@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <utility>
-#include <vector>
-
 using ovo::io::apdu;
 using Bytes = std::vector<unsigned char>;
 
