@@ -16,8 +16,7 @@ using Calls = std::vector<std::string>;
 
 const unsigned long keyRead = 0x20019;
 
-// The caller's mask as passed: the 64-bit view added only for a 32-bit process on a
-// 64-bit system.
+// The caller's mask as passed, with the 64-bit view for a 32-bit process on a 64-bit system.
 std::string passed(unsigned long mask) { return ovo::format("%lX", mask | (ovo::win32::IsWow64() ? 0x100 : 0)); }
 
 class ScriptedRegistryTest : public ::testing::Test {
