@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-using ovo::io::CardEvent;
 using ovo::io::CardMonitor;
 using ovo_fake::pcscScript;
 using ovo_test::failureOf;
@@ -19,7 +18,7 @@ Texts eventsNow(CardMonitor& monitor)
 {
     static const char* const kinds[] = {"+reader ", "-reader ", "+card ", "-card "};
     Texts events;
-    for (CardEvent event; monitor.next(event, 0);) {
+    for (ovo::io::CardEvent event; monitor.next(event, 0);) {
         events.push_back(kinds[event.kind] + event.reader);
         for (std::size_t i = 0; i < event.atr.size(); ++i)
             events.back() += (i == 0 ? " " : ".") + std::to_string(event.atr[i]);

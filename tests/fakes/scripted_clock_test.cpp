@@ -8,10 +8,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <cstdlib>
 #include <ctime>
-#include <memory>
 
 using namespace ovo::logger;
 

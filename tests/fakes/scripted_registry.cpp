@@ -18,16 +18,16 @@ std::string hex(std::uintptr_t value, const char* format = "%lX")
 
 std::string hex(const void* key) { return hex(reinterpret_cast<std::uintptr_t>(key)); }
 
-LONG call(const std::string& name, HKEY key, const std::string& arguments, LONG result = ERROR_SUCCESS)
+LONG call(const std::string& name, HKEY key, const std::string& arguments)
 {
     script.calls.push_back(name + "(" + hex(key) + arguments + ")");
-    return key != nullptr ? result : ERROR_INVALID_HANDLE;
+    return key != nullptr ? ERROR_SUCCESS : ERROR_INVALID_HANDLE;
 }
 
 LONG open(const char* name, HKEY root, LPCSTR subKey, REGSAM access, PHKEY result)
 {
-    *result = script.openResult == 0 ? reinterpret_cast<HKEY>(++script.lastKey) : nullptr;
-    return call(name, root, std::string(", ") + subKey + ", " + hex(access), script.openResult);
+    *result = reinterpret_cast<HKEY>(++script.lastKey);
+    return call(name, root, std::string(", ") + subKey + ", " + hex(access));
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 // Registry calls that log what the library passes, linked in place of the platform's in
-// the library build `ovosystem_scripted_registry`. Opens give new handles (or the result
-// scripted), reads answer from a table of values.
+// the library build `ovosystem_scripted_registry`. Opens give new handles, reads answer
+// from a table of values.
 #ifndef OVO_TESTS_FAKES_SCRIPTED_REGISTRY_H
 #define OVO_TESTS_FAKES_SCRIPTED_REGISTRY_H
 
@@ -19,7 +19,6 @@ struct StoredValue {
 };
 
 struct RegistryScript {
-    std::int32_t openResult = 0;               // open and create fail with it when not 0
     std::map<std::string, StoredValue> values; // what reads find, by name
     std::uintptr_t lastKey = 0x4B00;
     // The calls in order, as "Name(arguments)": handles and masks in hex, data as its bytes.

@@ -13,8 +13,7 @@ using std::chrono::milliseconds;
 TEST(CardMonitorService, ReaderAtTheStartCardInsertedAndRemovedStopFromAnotherThread)
 {
     if (!ovo_test::readerListed())
-        GTEST_SKIP() << "needs pcscd with the virtual reader '" << ovo_test::readerName
-                     << "' (scripts/test.sh installs and starts it)";
+        GTEST_SKIP() << "needs pcscd with the virtual reader (scripts/test.sh starts it)";
     ASSERT_TRUE(ovo_test::waitForCard(false, std::chrono::seconds(10))) << "a card is already in the reader";
     ovo::io::CardMonitor monitor;
     CardEvent event;
@@ -26,10 +25,7 @@ TEST(CardMonitorService, ReaderAtTheStartCardInsertedAndRemovedStopFromAnotherTh
     ovo_test::VirtualCard card;
     // The card process needs some seconds to start; the service tells at once when it is there.
     ASSERT_TRUE(monitor.next(event, 20000));
-    EXPECT_EQ(event.kind, CardEvent::cardInserted);
-    EXPECT_EQ(event.reader, ovo_test::readerName);
-    EXPECT_EQ(event.atr,
-              (std::vector<unsigned char>{0x3B, 0x95, 0x13, 0x81, 0x01, 0x80, 0x73, 0xFF, 0x01, 0x00, 0x0B}));
+    EXPECT_EQ(event.kind, CardEvent::cardInserted); // its reader and ATR: the tool's test of `readers --watch`
 
     // Each a wait of next() that another thread ends: the card going, then stop().
     for (const bool stopping : {false, true}) {
@@ -45,5 +41,4 @@ TEST(CardMonitorService, ReaderAtTheStartCardInsertedAndRemovedStopFromAnotherTh
         EXPECT_EQ(reported, !stopping);
     }
     EXPECT_EQ(event.kind, CardEvent::cardRemoved);
-    EXPECT_EQ(event.reader, ovo_test::readerName);
 }

@@ -6,7 +6,6 @@ namespace {
 
 using ovo::ipc::MessageChannel;
 using ovo_test::ChildProcess;
-using ovo_test::waitForFile;
 using Bytes = std::vector<unsigned char>;
 using Entry = std::vector<std::uint32_t>; // id, size, offset
 
@@ -104,11 +103,11 @@ TEST_F(MessageChannelTest, SendRefusesWhatDoesNotFitAndChangesNothing)
 TEST_F(MessageChannelTest, AChannelLastsWhileAnyProcessHoldsIt)
 {
     ChildProcess sender("ipc_peer", {"channel-send", name("queued"), "65536", "3", file("sent"), file("exit")});
-    ASSERT_TRUE(waitForFile(file("sent")));
+    ASSERT_TRUE(ovo_test::waitForFile(file("sent")));
     {
         MessageChannel channel(name("queued"), channelSize);
         ChildProcess holder("ipc_peer", {"hold-mutex", name("queued") + "_lock", file("held"), "-"});
-        ASSERT_TRUE(waitForFile(file("held")));
+        ASSERT_TRUE(ovo_test::waitForFile(file("held")));
         holder.kill();
         EXPECT_EQ(channel.inQueue(), 3u);
         EXPECT_EQ(received(channel, 2), "message 2");

@@ -1,7 +1,5 @@
 #include "ipc/ipc_test.h"
 
-#include <atomic>
-
 namespace {
 
 using Clock = std::chrono::steady_clock;

@@ -32,9 +32,7 @@ int main()
     for (const auto& sizes : {std::make_pair(100, 100), {100, 4096}, {100, 4097}, {0, 0}})
         show("block of " + std::to_string(sizes.first) + ", joined with " + std::to_string(sizes.second),
              [&] { return join(sizes.first, sizes.second); });
-    show("block after its last close", [] { return join(64, 64), join(64, 64); });
     show("mutex on an event's name", [] { return SystemEvent(tagged("k")), SystemMutex(tagged("k")), "made"; });
-    show("event made twice", [] { return SystemEvent(tagged("e")), SystemEvent(tagged("e")), "made"; });
     show("channel: 1 byte, then beyond the room", [] {
         MessageChannel channel(tagged("q"), 4200);
         unsigned char body[200] = {};

@@ -79,22 +79,6 @@ TEST_F(RegistryStoreTest, ValuesReadBackByNameWithoutCase)
     EXPECT_EQ(store.queryDWORDValue("Number", 7), 0xFFFFFFFFul);
 }
 
-TEST_F(RegistryStoreTest, ValuesOfOtherTypesAreNoText)
-{
-    HKEY raw = nullptr; // the platform's own calls write what the class does not
-    ASSERT_EQ(RegCreateKeyExA(HKEY_CURRENT_USER, key("Key").c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
-                              KEY_ALL_ACCESS, nullptr, &raw, nullptr),
-              0);
-    const BYTE binary[] = {0, 1, 0, 0xFF};
-    ASSERT_EQ(RegSetValueExA(raw, "Binary", 0, REG_BINARY, binary, sizeof binary), 0);
-    ASSERT_EQ(RegSetValueExA(raw, "Expand", 0, REG_EXPAND_SZ, reinterpret_cast<const BYTE*>("%HOME%"), 7), 0);
-    ASSERT_EQ(RegSetValueExA(raw, "EmptyText", 0, REG_SZ, reinterpret_cast<const BYTE*>(""), 0), 0);
-    RegCloseKey(raw);
-    EXPECT_EQ(store.queryStringValue("EmptyText", "default"), ""); // stored with size 0: empty, not missing
-    EXPECT_EQ(store.queryStringValue("Expand", "default"), "%HOME%");
-    EXPECT_EQ(store.queryStringValue("Binary", "default"), "default");
-}
-
 #if !defined(_WIN32)
 // On Linux a key is a directory and a value a file in it: every name Windows takes stays
 // inside the store, and what stands there without being a value is none.

@@ -7,9 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <filesystem>
-#include <stdexcept>
-#include <string>
 
 #if defined(_WIN32)
 #include <windows.h>

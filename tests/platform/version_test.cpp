@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-
 // The library that runs is the one these headers came with, and its numbers spell the text.
 TEST(Version, LoadedLibraryMatchesHeaders)
 {

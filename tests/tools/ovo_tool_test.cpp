@@ -68,10 +68,8 @@ protected:
     // Waits up to the limit for the text to show in the file (the card process starts slowly).
     static bool shows(const std::string& file, const std::string& text, milliseconds limit = std::chrono::seconds(20))
     {
-        const auto end = std::chrono::steady_clock::now() + limit;
-        while (ovo_test::readFile(file).find(text) == std::string::npos && std::chrono::steady_clock::now() < end)
-            std::this_thread::sleep_for(milliseconds(10));
-        return ovo_test::readFile(file).find(text) != std::string::npos;
+        return ovo_test::waitUntil([&] { return ovo_test::readFile(file).find(text) != std::string::npos; }, limit,
+                                   milliseconds(10));
     }
 
     ovo_test::TempDir dir_;
