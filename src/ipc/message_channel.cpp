@@ -107,12 +107,11 @@ public:
 namespace ovo {
 namespace ipc {
 
+// A fresh block is all zeros (a new mapping on both platforms), so the table starts empty
+// without a reset here: a reset after the block was made would wipe what a joiner sent
+// in between.
 MessageChannel::MessageChannel(const std::string& name, unsigned int size) : impl_(new MessageChannelImpl(name, size))
 {
-    if (impl_->memory.isCreated()) {
-        ScopedLock lock(impl_->mutex);
-        impl_->count() = 0;
-    }
 }
 
 MessageChannel::~MessageChannel() { delete impl_; }
