@@ -149,5 +149,7 @@ void CardMonitor::stop()
     }
 }
 
+bool CardMonitor::stopped() const { return impl_->stopping; }
+
 } // namespace io
 } // namespace ovo

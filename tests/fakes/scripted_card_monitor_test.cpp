@@ -52,6 +52,25 @@ TEST(ScriptedCardMonitor, EventsInTheOrderOfWhatChanged)
     EXPECT_EQ(eventsNow(monitor), Texts{});
 }
 
+// next() gives false for a quiet wait and after stop(); stopped() tells which, so a watch loop
+// goes on through quiet times and ends at stop().
+TEST(ScriptedCardMonitor, StoppedTellsTheEndFromAQuietWait)
+{
+    ovo_fake::resetPcscScript();
+    CardMonitor monitor;
+    ovo::io::CardEvent event;
+    EXPECT_EQ(eventsNow(monitor).size(), 4u);
+    pcscScript().failures["SCardGetStatusChange"] = 0x8010000A; // the wait timed out
+    EXPECT_FALSE(monitor.next(event, 0));
+    EXPECT_FALSE(monitor.stopped());
+
+    pcscScript().failures.clear();
+    pcscScript().eventState = 0x10022; // a card swapped in each reader: events wait
+    monitor.stop();
+    EXPECT_TRUE(monitor.stopped());
+    EXPECT_FALSE(monitor.next(event, 0)) << "a stopped monitor reports nothing more";
+}
+
 TEST(ScriptedCardMonitor, FailuresOfTheServiceAreReported)
 {
     ovo_fake::resetPcscScript();

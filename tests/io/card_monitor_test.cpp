@@ -21,6 +21,7 @@ TEST(CardMonitorService, ReaderAtTheStartCardInsertedAndRemovedStopFromAnotherTh
     while (monitor.next(event, 200))
         readerSeen = readerSeen || (event.kind == CardEvent::readerAdded && event.reader == ovo_test::readerName);
     EXPECT_TRUE(readerSeen);
+    EXPECT_FALSE(monitor.stopped()) << "the time ran out, nobody stopped the monitor";
 
     ovo_test::VirtualCard card;
     // The card process needs some seconds to start; the service tells at once when it is there.
@@ -39,6 +40,7 @@ TEST(CardMonitorService, ReaderAtTheStartCardInsertedAndRemovedStopFromAnotherTh
         other.join();
         EXPECT_LT(waited, milliseconds(1100)) << stopping;
         EXPECT_EQ(reported, !stopping);
+        EXPECT_EQ(monitor.stopped(), stopping);
     }
     EXPECT_EQ(event.kind, CardEvent::cardRemoved);
 }

@@ -53,13 +53,17 @@ public:
     /// The first events tell what is there at the start: each reader (added), then each
     /// card in one (inserted). A reader that goes with its card gives cardRemoved first;
     /// a card swapped between two looks gives cardRemoved and cardInserted.
-    /// @return false when the time ran out or once stop() was called.
+    /// @return false when the time ran out or once stop() was called: stopped() tells
+    ///         the two apart, so a loop that watches until stop() reads
+    ///         `while (!monitor.stopped()) if (monitor.next(event, 1000)) ...`.
     /// @throws std::runtime_error ("::SCardGetStatusChange() failed: SCard error: 0x...")
     ///         when the service fails the wait. One thread calls next().
     bool next(CardEvent& event, unsigned int timeoutMs);
     /// From any thread: ends the wait of next() and makes every later call answer false
     /// at once. Returns when no next() waits any more.
     void stop();
+    /// Whether stop() was called: from then on next() answers false for good. From any thread.
+    bool stopped() const;
 
 private:
     std::unique_ptr<CardMonitorImpl> impl_;
