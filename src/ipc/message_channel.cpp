@@ -116,7 +116,9 @@ MessageChannel::MessageChannel(const std::string& name, unsigned int size) : imp
 
 MessageChannel::~MessageChannel() { delete impl_; }
 
-bool MessageChannel::send(unsigned int id, void* data, unsigned int size)
+bool MessageChannel::send(unsigned int id, void* data, unsigned int size) { return sendBody(id, data, size); }
+
+bool MessageChannel::sendBody(unsigned int id, const void* data, unsigned int size)
 {
     ScopedLock lock(impl_->mutex);
     const std::uint32_t n = impl_->count();

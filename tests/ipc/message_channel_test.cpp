@@ -78,6 +78,27 @@ TEST_F(MessageChannelTest, TheBufferFormTakesOnlyTheSizeAskedForAndAnEmptyBodyIs
     EXPECT_EQ(received(channel, 2), "xyz");
 }
 
+// Constant bodies compile and go through as writable ones do; the calls that took the void*
+// form before (a char*, nullptr, NULL, 0) still take it, without ambiguity.
+TEST_F(MessageChannelTest, ConstantAndWritableBodiesAlike)
+{
+    MessageChannel channel(name("const"), channelSize);
+    const char text[] = "abc";
+    const std::string word = "de";
+    const unsigned char bytes[] = {'f', 'g'};
+    char writable[] = "hi";
+    ASSERT_TRUE(channel.send(1, text, 3));
+    ASSERT_TRUE(channel.send(1, word.data(), 2));
+    ASSERT_TRUE(channel.send(1, static_cast<const void*>(bytes), 2));
+    ASSERT_TRUE(channel.send(1, writable, 2));
+    ASSERT_TRUE(channel.send(1, static_cast<void*>(writable), 1));
+    ASSERT_TRUE(channel.send(1, nullptr, 0));
+    ASSERT_TRUE(channel.send(1, NULL, 0));
+    ASSERT_TRUE(channel.send(1, 0, 0));
+    for (const char* body : {"abc", "de", "fg", "hi", "h", "", "", ""})
+        EXPECT_EQ(received(channel, 1), body);
+}
+
 TEST_F(MessageChannelTest, SendRefusesWhatDoesNotFitAndChangesNothing)
 {
     MessageChannel channel(name("full"), channelSize);

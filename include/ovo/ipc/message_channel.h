@@ -6,6 +6,7 @@
 #include <ovo/export.h>
 
 #include <string>
+#include <type_traits>
 #include <vector>
 
 class MessageChannelImpl;
@@ -42,6 +43,16 @@ public:
     /// @return false when the table is full or the body does not fit the room left;
     ///         nothing changes then.
     bool send(unsigned int id, void* data, unsigned int size);
+    /// Appends a message from constant bytes (a `const char*`, a `const unsigned char[]`,
+    /// a `const void*`), as the other send does.
+    ///
+    /// It takes pointers to const only, so that every call the other send takes (a `void*`,
+    /// a `char*`, nullptr, NULL, 0) still goes there, without ambiguity.
+    template <typename Byte, typename std::enable_if<std::is_const<Byte>::value, int>::type = 0>
+    bool send(unsigned int id, Byte* data, unsigned int size)
+    {
+        return sendBody(id, data, size);
+    }
     /// Takes the oldest message with this id (0: any message) when its body has exactly
     /// `size` bytes, into data.
     /// @return false, with nothing changed, when there is none or its size differs.
@@ -53,6 +64,8 @@ public:
     unsigned int inQueue() const;
 
 private:
+    bool sendBody(unsigned int id, const void* data, unsigned int size);
+
     MessageChannel(const MessageChannel&) = delete;
     MessageChannel& operator=(const MessageChannel&) = delete;
 
