@@ -22,11 +22,6 @@
 /// The registry, security attributes, and the Win32 types that public signatures name.
 
 #include <ovo/environment.h>
-#include <ovo/ipc/message_channel.h>
-#include <ovo/ipc/named_objects.h>
-#include <ovo/ipc/shared_memory.h>
-#include <ovo/ipc/system_event.h>
-#include <ovo/ipc/system_mutex.h>
 #include <ovo/io/apdu.h>
 #include <ovo/io/card_monitor.h>
 #include <ovo/io/enumeration.h>
@@ -34,6 +29,11 @@
 #include <ovo/io/serial_config.h>
 #include <ovo/io/serial_io.h>
 #include <ovo/io/serial_ports.h>
+#include <ovo/ipc/message_channel.h>
+#include <ovo/ipc/named_objects.h>
+#include <ovo/ipc/shared_memory.h>
+#include <ovo/ipc/system_event.h>
+#include <ovo/ipc/system_mutex.h>
 #include <ovo/logger/channel.h>
 #include <ovo/logger/channels.h>
 #include <ovo/logger/file_log_channel.h>
@@ -41,12 +41,14 @@
 #include <ovo/logger/formatters.h>
 #include <ovo/logger/logger.h>
 #include <ovo/number_formatter.h>
-#include <ovo/options/options_processor.h>
-#include <ovo/shared_library.h>
 #include <ovo/number_parser.h>
 #include <ovo/nv_collection.h>
+#include <ovo/options/options_processor.h>
+#include <ovo/shared_library.h>
 #include <ovo/strings.h>
 #include <ovo/version.h>
+#include <ovo/win32/registry.h>
 #include <ovo/win32/security_attributes.h>
+#include <ovo/win32/types.h>
 
 #endif
