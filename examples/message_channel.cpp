@@ -17,6 +17,7 @@ const unsigned int questionId = 1;
 const unsigned int answerId = 2;
 const unsigned int channelSize = 8192; // the same in every process that joins
 
+//! [poll]
 // A receive does not wait: poll for a message of that identifier for up to ten seconds.
 bool receive(ovo::ipc::MessageChannel& channel, unsigned int id, std::vector<unsigned char>& message)
 {
@@ -28,10 +29,11 @@ bool receive(ovo::ipc::MessageChannel& channel, unsigned int id, std::vector<uns
     }
     return true;
 }
+//! [poll]
 
-bool send(ovo::ipc::MessageChannel& channel, unsigned int id, std::string text)
+bool send(ovo::ipc::MessageChannel& channel, unsigned int id, const std::string& text)
 {
-    return channel.send(id, &text[0], static_cast<unsigned int>(text.size()));
+    return channel.send(id, text.data(), static_cast<unsigned int>(text.size()));
 }
 
 } // namespace
@@ -39,23 +41,25 @@ bool send(ovo::ipc::MessageChannel& channel, unsigned int id, std::string text)
 int main(int argc, char* argv[])
 {
     if (argc != 3 || (std::strcmp(argv[1], "ask") != 0 && std::strcmp(argv[1], "answer") != 0)) {
-        std::printf("usage: message_channel ask|answer NAME\n");
+        std::fprintf(stderr, "usage: message_channel ask|answer NAME\n");
         return 2;
     }
+    //! [join]
     // The first process makes the channel, the second joins it; it lives while either
     // holds it, so each stays until the other has taken its message.
     ovo::ipc::MessageChannel channel(argv[2], channelSize);
+    //! [join]
     std::vector<unsigned char> message;
     if (std::strcmp(argv[1], "ask") == 0) {
         if (!send(channel, questionId, "what time is it?") || !receive(channel, answerId, message)) {
-            std::printf("no answer\n");
+            std::fprintf(stderr, "no answer\n");
             return 1;
         }
         std::printf("answer: %s\n", std::string(message.begin(), message.end()).c_str());
         return 0;
     }
     if (!receive(channel, questionId, message)) {
-        std::printf("no question\n");
+        std::fprintf(stderr, "no question\n");
         return 1;
     }
     std::printf("question: %s\n", std::string(message.begin(), message.end()).c_str());

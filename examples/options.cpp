@@ -10,6 +10,7 @@
 
 namespace {
 
+//! [values]
 using ovo::ProgramOptions::IOptionValue;
 
 struct Text : IOptionValue {
@@ -34,11 +35,15 @@ struct Flag : IOptionValue {
     bool set = false;
     bool setValue(const std::string&) override { return set = true; }
 };
+//! [values]
+
+const char usage[] = "usage: options [-p=PORT] [-t=MILLISECONDS] [-v]\n";
 
 } // namespace
 
 int main(int argc, char* argv[])
 {
+    //! [bind]
     Text port;
     Milliseconds timeout;
     Flag verbose;
@@ -46,14 +51,19 @@ int main(int argc, char* argv[])
     options.add("p", "port", "the serial device", &port);
     options.add("t", "timeout", "milliseconds to wait for an answer", &timeout);
     options.add("v", "verbose", "trace the traffic", &verbose);
+    //! [bind]
     try {
         // Words that name no option are skipped; the count tells how many were taken.
         const int taken = options.process(argc, argv);
+        if (taken != argc - 1) {
+            std::fprintf(stderr, "%s", usage);
+            return 2;
+        }
         std::printf("%d of %d words taken: port '%s', timeout %ld ms, verbose %s\n", taken, argc - 1,
                     port.value.c_str(), timeout.value, verbose.set ? "yes" : "no");
-        return taken == argc - 1 ? 0 : 2;
-    } catch (const std::exception& e) {
-        std::printf("bad option: %s\n", e.what());
+        return 0;
+    } catch (const std::exception& e) { // a value object refused its word by throwing
+        std::fprintf(stderr, "bad option: %s\n%s", e.what(), usage);
         return 2;
     }
 }

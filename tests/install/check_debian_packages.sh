@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
 # The Debian packages of a build (/usr prefix), checked without installing them: lintian
-# finds no error, the three unpack into a scratch root, a client builds against that root
-# through find_package and pkg-config, the packaged tool runs, and every example builds
-# against the root as a client project and runs: the card exchange against the virtual
-# card, the serial request against an echoing device on a pseudo-terminal.
+# finds no error, the three unpack into a scratch root, the -dev package holds the API
+# reference, a client builds against that root through find_package and pkg-config, the
+# packaged tool runs, and every example builds against the root as a client project and
+# runs: the card exchange and the card monitor against the virtual card, the serial
+# request against an echoing device on a pseudo-terminal; a mistake in an example's words
+# gives its usage on standard error and status 2.
 #   check_debian_packages.sh PACKAGE_DIR WORK_DIR
 set -euo pipefail
 source "$(dirname "$0")/../../scripts/lib/debian.sh"
@@ -36,6 +38,13 @@ expect() {
     grep -q -- "$pattern" <<<"$out"
 }
 
+for example in logging card_exchange card_monitor serial_request message_channel options; do
+    status=0
+    out=$("$bin/$example" one two three 2>"$work/usage.err") || status=$?
+    [ "$status" -eq 2 ] && [ -z "$out" ] && grep -q "^usage: $example" "$work/usage.err" ||
+        { echo "$example with words it does not take: status $status, output '$out'"; exit 1; }
+done
+
 mkdir -p "$work/logs"
 expect "^done$" "$bin/logging" "$work/logs"
 grep -q "the logging example's log" "$work/logs"/*-example.log
@@ -62,4 +71,6 @@ ovoStartVirtualCard "$work/vicc.log" ovoVirtualReaderListed
 trap 'kill $device 2>/dev/null; ovoStopVirtualCard || true' EXIT
 for _ in $(seq 30); do "$bin/card_exchange" "$ovoVirtualReader" 2>/dev/null | grep -q "^status word" && break; sleep 0.5; done
 expect "^status word 9000$" "$bin/card_exchange" "$ovoVirtualReader"
+# What is there, then Enter (here the end of the input) ends the watch.
+expect "^card inserted: $ovoVirtualReader 3B" bash -c "sleep 2 | '$bin/card_monitor'"
 echo "packages and examples: all checks passed"
