@@ -23,22 +23,26 @@ function(library_directory prefix out)
 endfunction()
 
 # Builds the client of CLIENT_DIR against an installed prefix twice, through
-# find_package and through pkg-config's flags, and runs both.
+# find_package and through pkg-config's flags, and runs both without LD_LIBRARY_PATH: the
+# CMake build writes the library's directory into the client, the pkg-config client is
+# linked with it as the README says (-Wl,-rpath and pkg-config's libdir).
 function(check_client_both_ways prefix work)
     library_directory(${prefix} libDir)
-    set(pcDir ${libDir}/pkgconfig)
-    set(withLibrary ${CMAKE_COMMAND} -E env LD_LIBRARY_PATH=${libDir})
+    set(pkgConfig ${CMAKE_COMMAND} -E env PKG_CONFIG_PATH=${libDir}/pkgconfig pkg-config)
+    set(withoutLibraryPath ${CMAKE_COMMAND} -E env --unset=LD_LIBRARY_PATH)
 
     run(${CMAKE_COMMAND} -S ${CLIENT_DIR} -B ${work}/cmake-client -DCMAKE_PREFIX_PATH=${prefix}
         -DCMAKE_CXX_COMPILER=${CXX})
     run(${CMAKE_COMMAND} --build ${work}/cmake-client)
-    run(${withLibrary} ${work}/cmake-client/ovo_client)
+    run(${withoutLibraryPath} ${work}/cmake-client/ovo_client)
     expect_client_output("${output}")
 
-    run(${CMAKE_COMMAND} -E env PKG_CONFIG_PATH=${pcDir} pkg-config --cflags --libs ovosystem)
+    run(${pkgConfig} --cflags --libs ovosystem)
     string(STRIP "${output}" flags)
     separate_arguments(flags UNIX_COMMAND "${flags}")
-    run(${CXX} -std=c++17 ${CLIENT_DIR}/main.cpp ${flags} -o ${work}/pkg-config-client)
-    run(${withLibrary} ${work}/pkg-config-client)
+    run(${pkgConfig} --variable=libdir ovosystem)
+    string(STRIP "${output}" pcLibDir)
+    run(${CXX} -std=c++17 ${CLIENT_DIR}/main.cpp ${flags} -Wl,-rpath,${pcLibDir} -o ${work}/pkg-config-client)
+    run(${withoutLibraryPath} ${work}/pkg-config-client)
     expect_client_output("${output}")
 endfunction()
