@@ -12,8 +12,8 @@
 #           Wine, their outputs compared (tests/parity/known_differences.txt lists the
 #           differences kept)
 #   win32   the Windows 32-bit build, compiled and linked, and its ZIP package
-#   package the Debian packages (lintian, unpacked into a scratch root, a client and every
-#           example built against it and run)
+#   package the Debian packages (lintian, unpacked into a scratch root, the API reference
+#           in the -dev package, a client and every example built against it and run)
 #   fuzz    every libFuzzer target for a short run (OVO_FUZZ_SECONDS each, default 10)
 #   bench   every benchmark, briefly (figures and ratios only, no verdict)
 # Give suite names as arguments to run only those. Builds go to build/<suite>.
@@ -133,8 +133,8 @@ suite_win32() {
 
 suite_package() {
     local dir=$builds/package
-    configureAndBuild package -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_INSTALL_PREFIX=/usr -DOVO_BUILD_TESTS=OFF ||
-        return 1
+    configureAndBuild package -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_INSTALL_PREFIX=/usr -DOVO_INSTALL_REFERENCE=ON \
+        -DOVO_BUILD_TESTS=OFF || return 1
     rm -rf "$dir/packages"
     (cd "$dir" && cpack -G DEB >cpack.log 2>&1) || { cat "$dir/cpack.log"; return 1; }
     ls "$dir"/packages/*.deb

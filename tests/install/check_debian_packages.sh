@@ -19,6 +19,7 @@ mkdir -p "$work/root"
 debs=("$packages"/*.deb)
 [ ${#debs[@]} -eq 3 ] || { echo "expected three packages, found ${debs[*]}"; exit 1; }
 for deb in "${debs[@]}"; do dpkg-deb -x "$deb" "$work/root"; done
+grep -q "Three tasks to start from" "$work/root/usr/share/doc/libovosystem-dev/html/index.html"
 
 cmake -DPREFIX="$work/root/usr" -DWORK_DIR="$work" -DCLIENT_DIR="$here/client" -DCXX=g++ -DEXPECT_TOOL=1 \
     -P "$here/check_install.cmake"

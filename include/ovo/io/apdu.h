@@ -15,6 +15,9 @@ namespace io {
 /// Command and response are one type; every query works on whatever bytes it holds.
 /// A unit is a value that owns its bytes and copies deeply; nothing in it reports a
 /// failure. One object is used by one thread at a time.
+///
+/// A command of case 3 and the card's response (from card_exchange.cpp):
+/// @snippet card_exchange.cpp exchange
 class OVO_API apdu {
 public:
     /// Case 1: the four header bytes.

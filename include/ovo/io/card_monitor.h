@@ -38,6 +38,10 @@ class CardMonitorImpl;
 
 /// A monitor of the PC/SC service's readers and cards. One thread calls next(); any
 /// thread may call stop().
+///
+/// A watch in one thread that another ends (from card_monitor.cpp): next() gives false
+/// for a quiet second as well as after stop(), so the loop asks stopped().
+/// @snippet card_monitor.cpp watch
 class OVO_API CardMonitor {
 public:
     /// Opens a service context of its own.
@@ -53,9 +57,8 @@ public:
     /// The first events tell what is there at the start: each reader (added), then each
     /// card in one (inserted). A reader that goes with its card gives cardRemoved first;
     /// a card swapped between two looks gives cardRemoved and cardInserted.
-    /// @return false when the time ran out or once stop() was called: stopped() tells
-    ///         the two apart, so a loop that watches until stop() reads
-    ///         `while (!monitor.stopped()) if (monitor.next(event, 1000)) ...`.
+    /// @return false when the time ran out or once stop() was called; stopped() tells
+    ///         the two apart.
     /// @throws std::runtime_error ("::SCardGetStatusChange() failed: SCard error: 0x...")
     ///         when the service fails the wait. One thread calls next().
     bool next(CardEvent& event, unsigned int timeoutMs);

@@ -43,6 +43,9 @@ class pcscImpl;
 /// word is no failure: read it with isSuccess(), sw1() and sw2().
 ///
 /// One object is used by one thread at a time; the caller serialises.
+///
+/// SELECT of the master file, traced (from card_exchange.cpp):
+/// @snippet card_exchange.cpp exchange
 class OVO_API pcsc {
 public:
     /// The reader readerName (as enumeratePCSCDevices gives it), logging to the null logger.

@@ -87,6 +87,23 @@ struct SerialBuffersSize {
 /// How a serial port is to be set up, with a one-line text form such as
 /// "baud=9600;data=8;device=COM1;flow=off;parity=none;stop=1".
 ///
+/// The text form is pairs `key=value` separated by `;`, in any order:
+///
+/// | Key | Value | Setter |
+/// |---|---|---|
+/// | device | ttyUSB0 (opens /dev/ttyUSB0), COM3 (`\\.\COM3`), or on Linux an absolute path | setDeviceName() |
+/// | baud | bits per second, a decimal number: 9600, 115200 | setBaudRate() |
+/// | data | bits per character: 5, 6, 7, 8 | setDataSize() |
+/// | parity | none, even, odd | setParity() |
+/// | stop | stop bits: 1, 1.5, 2 | setStopBits() |
+/// | flow | off, software (XON/XOFF), hardware (RTS/CTS) | setFlowControl() |
+///
+/// Words are read in any case. An unknown key is ignored and an unknown word (or a data
+/// size outside 5 to 8) reads as "not given"; only a baud or data value that is no
+/// 32-bit decimal number throws. toString() writes the keys that are given, in name
+/// order. A port from its settings, with its time-outs (from serial_request.cpp):
+/// @snippet serial_request.cpp open
+///
 /// Every line setting has a value 0 that means "not given": it is left out of the text
 /// and the port keeps its current value. Setters validate nothing. Time-outs and queue
 /// sizes have no text form. A configuration is a plain value; one thread uses one object

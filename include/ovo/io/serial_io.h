@@ -25,6 +25,13 @@ class SerialIOImpl;
 ///
 /// The operations are const but share the device; one object is used by one thread at a
 /// time unless the caller arranges otherwise. Calls block for as long as the time-outs allow.
+///
+/// The settings come from SerialConfig, usually from its text form,
+/// "device=ttyUSB0;baud=9600;data=8;parity=none;stop=1;flow=off" (keys device, baud,
+/// data, parity, stop, flow: the table of SerialConfig). A port from its settings, a
+/// request and its answer (from serial_request.cpp):
+/// @snippet serial_request.cpp open
+/// @snippet serial_request.cpp ask
 class OVO_API SerialIO {
 public:
     /// Opens and configures the device of config, logging to the null logger.

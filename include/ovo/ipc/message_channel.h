@@ -26,6 +26,11 @@ namespace ipc {
 ///   4113 the bodies, oldest first, back to back.
 ///
 /// Any thread of any process may call any operation at the same time.
+///
+/// Each process constructs the channel with the same name and size; a receiver polls
+/// (from message_channel.cpp):
+/// @snippet message_channel.cpp join
+/// @snippet message_channel.cpp poll
 class OVO_API MessageChannel {
 public:
     /// The smallest block that holds the table.

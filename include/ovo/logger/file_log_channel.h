@@ -25,6 +25,9 @@ class RollingFile;
 /// the file, another one waits for it up to about a second, then loses that message.
 /// I/O failures are never reported; the next message tries again from the start.
 /// write is safe from any thread.
+///
+/// The console and a daily file behind one split channel (from logging.cpp):
+/// @snippet logging.cpp channels
 class OVO_API FileLogChannel : public AbstractLogChannel {
 public:
     /// "rolling_header": the one property; its value is the text a new file begins with.

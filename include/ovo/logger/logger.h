@@ -22,6 +22,9 @@ namespace logger {
 /// through to the caller. The logging operations take no lock and may run in any number
 /// of threads at once; setChannel and setLevel belong to the set-up, before other threads
 /// log.
+///
+/// Loggers by name, a level, traced bytes (from logging.cpp):
+/// @snippet logging.cpp loggers
 class ILogger {
 public:
     /// Loggers belong to the registry: shutdown() destroys them, callers never do.

@@ -18,6 +18,9 @@ namespace ProgramOptions {
 /// The processor calls only setValue, the second slot; the first is a virtual destructor,
 /// so that an application may own its value objects through this interface. The processor
 /// never owns or destroys them. It calls them on the thread that calls process.
+///
+/// Value objects for a text, a number and a flag (from options.cpp):
+/// @snippet options.cpp values
 class IOptionValue {
 public:
     /// Lets an application own its value objects through this interface.
@@ -38,6 +41,9 @@ class OptionsProcessorImpl;
 ///
 /// Nothing is reported: an unknown word is no error. One object is used by one thread at
 /// a time (add and process need the caller's exclusion).
+///
+/// Options bound to their value objects (from options.cpp; process(argc, argv) follows):
+/// @snippet options.cpp bind
 class OVO_API OptionsProcessor {
 public:
     /// A processor without options, for words like "-v=1" by default.
