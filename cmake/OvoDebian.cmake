@@ -30,6 +30,12 @@ set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} (= ${
 set(CPACK_COMPONENT_DEV_DESCRIPTION "${PROJECT_DESCRIPTION}: development files
  The headers of the ovosystem library, its link for the linker, a CMake package
  (find_package(ovosystem) gives ovo::ovosystem) and a pkg-config file.")
+# The API reference, registered with doc-base as Debian's documentation browsers expect.
+if(OVO_INSTALL_REFERENCE)
+    string(APPEND CPACK_COMPONENT_DEV_DESCRIPTION "\n The API reference in HTML.")
+    install(FILES ${PROJECT_SOURCE_DIR}/cmake/debian/doc-base DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc-base
+            RENAME ${CPACK_DEBIAN_DEV_PACKAGE_NAME}.libovosystem-api COMPONENT dev)
+endif()
 
 # dpkg-shlibdeps learns which package gives libovosystem.so.N as it does in a Debian
 # source build: from the library's package build tree (DEBIAN/shlibs beside the library).
