@@ -65,10 +65,11 @@ TEST(ScriptedCardMonitor, StoppedTellsTheEndFromAQuietWait)
     EXPECT_FALSE(monitor.stopped());
 
     pcscScript().failures.clear();
-    pcscScript().eventState = 0x10022; // a card swapped in each reader: events wait
+    pcscScript().eventState = 0x10022; // a card swapped in each reader: four events
+    ASSERT_TRUE(monitor.next(event, 0));
     monitor.stop();
     EXPECT_TRUE(monitor.stopped());
-    EXPECT_FALSE(monitor.next(event, 0)) << "a stopped monitor reports nothing more";
+    EXPECT_FALSE(monitor.next(event, 0)) << "a stopped monitor hands out nothing more, not even what waits";
 }
 
 TEST(ScriptedCardMonitor, FailuresOfTheServiceAreReported)
