@@ -1,5 +1,9 @@
 #include "ipc/ipc_test.h"
 
+#if !defined(_WIN32)
+#include <sys/wait.h>
+#endif
+
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -66,6 +70,35 @@ TEST_F(SystemMutexTest, AHolderThatDiesOrDropsAHeldMutexStopsNobody)
     std::thread([&] { dropped.reset(); }).join();
     EXPECT_EQ(tryInPeer(name("thread"), "0"), 0);
 }
+
+#if !defined(_WIN32)
+// A child made by fork holds copies of its parent's objects: whatever it does with them (its
+// destructors, exit), they stay its parent's; and a program started holds none of them.
+TEST_F(SystemMutexTest, AForkedChildEndsNoneOfItsParentsObjects)
+{
+    auto mutex = std::make_unique<SystemMutex>(name("forked"));
+    auto block = std::make_unique<ovo::ipc::SharedMemory>(name("forked-block"), 64);
+    mutex->lock();
+    const pid_t child = fork();
+    if (child == 0) {
+        mutex.reset();
+        block.reset();
+        std::exit(0);
+    }
+    ASSERT_EQ(waitpid(child, nullptr, 0), child);
+    EXPECT_EQ(tryInPeer(name("forked"), "0"), 1); // still held here
+    ChildProcess joiner("ipc_peer", {"memory", name("forked-block"), "64", "1", "8", file("joined"), file("go")});
+    ASSERT_TRUE(waitForFile(file("joined")));
+    EXPECT_EQ(ovo_test::readFile(file("joined")), "joined");
+    EXPECT_EQ(static_cast<unsigned char*>(block->begin())[1], 8);
+    release("go");
+    EXPECT_EQ(joiner.wait(), 0);
+    EXPECT_EQ(ovo_test::runProgram("/bin/sh", {"-c", "ls -l /proc/self/fd/ | grep -c " + name("forked")}, file("fds")),
+              1);
+    EXPECT_EQ(ovo_test::readFile(file("fds")), "0\n") << "a descriptor of an object crossed exec";
+    mutex->unlock();
+}
+#endif
 
 TEST_F(SystemMutexTest, AnEventLetsOneWaitThroughASetAndStaysSetForTheNext)
 {

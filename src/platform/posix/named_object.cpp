@@ -137,11 +137,13 @@ class ProcessObjects {
 public:
     using Key = std::pair<dev_t, ino_t>;
 
+    // The object that this process holds (not one inherited from a parent that forked it).
     std::shared_ptr<NamedObject> find(const Key& key)
     {
         std::lock_guard<std::mutex> guard(lock_);
         auto found = objects_.find(key);
-        return found != objects_.end() ? found->second.lock() : nullptr;
+        std::shared_ptr<NamedObject> object = found != objects_.end() ? found->second.lock() : nullptr;
+        return object != nullptr && object->ownedHere() ? object : nullptr;
     }
 
     void add(const Key& key, const std::shared_ptr<NamedObject>& object)
@@ -388,10 +390,12 @@ std::shared_ptr<NamedObject> NamedObject::acquire(ObjectKind kind, const char* n
 
 NamedObject::~NamedObject()
 {
-    lockByte(fd_, guardByte, F_WRLCK, true);
-    lockByte(fd_, livenessByte, F_UNLCK, false);
-    if (lockByte(fd_, livenessByte, F_WRLCK, false))
-        unlink(path_.c_str()); // the last handle anywhere
+    if (ownedHere()) { // an inherited copy's locks are the parent's
+        lockByte(fd_, guardByte, F_WRLCK, true);
+        lockByte(fd_, livenessByte, F_UNLCK, false);
+        if (lockByte(fd_, livenessByte, F_WRLCK, false))
+            unlink(path_.c_str()); // the last handle anywhere
+    }
     struct stat own;
     if (fstat(fd_, &own) == 0)
         processObjects().forget(ProcessObjects::Key(own.st_dev, own.st_ino));
@@ -407,6 +411,8 @@ void* NamedObject::keepMappedAfterClose()
 }
 
 void NamedObject::unmapKept(void* header) { munmap(header, pageSize()); }
+
+bool NamedObject::ownedHere() const { return owner_ == getpid(); }
 
 void* NamedObject::state() const { return static_cast<char*>(header_) + stateOffset; }
 

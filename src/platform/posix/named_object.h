@@ -14,6 +14,8 @@
 // that finds a file left by processes that died starts a fresh object in it. The handles
 // of one process on one object share one NamedObject: one descriptor, one mapping. Files
 // that every holder left by dying are inert; each fresh create sweeps a few of them away.
+// A child made by fork shares its parent's open files, and so their locks: it owns none of
+// the objects that it inherited, and their copies end without a lock or the file touched.
 #ifndef OVO_SRC_PLATFORM_POSIX_NAMED_OBJECT_H
 #define OVO_SRC_PLATFORM_POSIX_NAMED_OBJECT_H
 
@@ -23,6 +25,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 namespace ovo {
@@ -74,6 +77,8 @@ public:
     // thread's list of robust mutexes may point into it. Gives the page.
     void* keepMappedAfterClose();
     static void unmapKept(void* header);
+    // Whether this process made this handle's object, not a parent that forked it.
+    bool ownedHere() const;
 
 private:
     NamedObject(int fd, std::string path, void* header) : fd_(fd), path_(std::move(path)), header_(header) {}
@@ -86,6 +91,7 @@ private:
     std::string path_;
     void* header_;
     bool keepMapped_ = false;
+    const pid_t owner_ = getpid();
 };
 
 // A handle to a new Object (a KernelObject made of the named object and the handle's
