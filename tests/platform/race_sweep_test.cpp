@@ -4,6 +4,7 @@
 #include "platform/sweep.h"
 #include "support/temp_dir.h"
 
+#include <ovo/ipc/message_channel.h>
 #include <ovo/ipc/system_mutex.h>
 
 #include <gtest/gtest.h>
@@ -21,6 +22,31 @@ struct Race {
 };
 
 const unsigned rounds = 10000;
+
+// The mutex made or joined, held by nobody else (whoever holds it holds DIR/held), closed.
+std::string mutexRound(const Scene& s)
+{
+    SystemMutex mutex(s.name);
+    mutex.lock();
+    const std::string mark = s.dir + "/held";
+    const bool alone = std::filesystem::create_directory(mark);
+    if (alone)
+        std::filesystem::remove(mark);
+    mutex.unlock();
+    return alone ? "" : "two processes held the mutex at once";
+}
+
+std::string blockRound(const Scene& s) { return SharedMemory(s.name, 4096), ""; }
+
+// The channel made or joined, a message sent and one taken, closed.
+std::string channelRound(const Scene& s)
+{
+    ovo::ipc::MessageChannel channel(s.name, 8192);
+    std::vector<unsigned char> body(8, 'm');
+    if (!channel.send(1, body.data(), 8))
+        return "a message was refused";
+    return channel.recv(0, body) && body.size() == 8 ? "" : "the message sent was not there to take";
+}
 
 // A block that a process left by dying is taken over (fresh and empty), and stays in the
 // namespace while held: a mutex cannot have its name. NAME0 to NAME99 in turn, left by one
@@ -47,6 +73,9 @@ std::string takeOverRound(const Scene& s)
 }
 
 const Race races[] = {
+    {"create and last close of a mutex", {mutexRound, mutexRound}},
+    {"create and last close of shared memory", {blockRound, blockRound}},
+    {"create and last close of a channel", {channelRound, channelRound}},
     {"sweep and take-over of a stale object",
      {takeOverRound},
      [](const Scene&) {
