@@ -46,5 +46,12 @@ ssize_t write(int fd, const void* buffer, size_t size) { return fails("write") ?
 int ftruncate(int fd, off_t size) { return fails("ftruncate") ? -1 : ::ftruncate(fd, size); }
 int rename(const char* from, const char* to) { return fails("rename") ? -1 : ::rename(from, to); }
 int fsync(int fd) { return fails("fsync") ? -1 : ::fsync(fd); }
+int fallocate(int fd, off_t size)
+{
+    if (fails("fallocate"))
+        return -1;
+    errno = posix_fallocate(fd, 0, size);
+    return errno == 0 ? 0 : -1;
+}
 
 } // namespace ovo::posix::sys

@@ -71,9 +71,12 @@ TEST(PosixFaults, ANamedObjectThatCannotBeMadeLeavesNothing)
     const std::string tag = "ovofaults-" + std::to_string(getpid());
     const std::string name = "Local\\" + tag;
     const std::string file = "/dev/shm/ovosystem.u" + std::to_string(geteuid()) + "." + tag;
-    failCall("ftruncate", ENOSPC);
+    failCall("fallocate", ENOSPC);
     EXPECT_EQ(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 4096, name.c_str()), nullptr);
-    EXPECT_EQ(GetLastError(), 112u);
+    EXPECT_EQ(GetLastError(), 1455u); // ERROR_COMMITMENT_LIMIT: the memory cannot be committed
+    failCall("ftruncate", EIO);
+    EXPECT_EQ(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 4096, name.c_str()), nullptr);
+    EXPECT_EQ(GetLastError(), 31u);
     failCall("open", EMFILE);
     EXPECT_EQ(CreateMutexA(nullptr, FALSE, name.c_str()), nullptr);
     EXPECT_EQ(GetLastError(), 4u);

@@ -229,16 +229,23 @@ void* joined(int fd, const struct stat& opened, ObjectKind kind, DWORD desiredAc
     return nullptr;
 }
 
-// A new object in the file (new, or left by holders that all died): zeroed, sized, its
-// header and state written before anybody else can see it.
+// A new object in the file (new, or left by holders that all died): zeroed, its memory
+// reserved (a full file system fails here, never a write into the mapping later with a
+// SIGBUS), its header and state written before anybody else can see it.
 void* startedFresh(int fd, const std::string& path, ObjectKind kind, const ObjectAccess& access, unsigned mode,
                    std::uint64_t dataSize, NamedObject::Initializer initialize)
 {
     void* header = MAP_FAILED;
-    if (sys::ftruncate(fd, 0) == 0 && sys::ftruncate(fd, static_cast<off_t>(pageSize() + dataSize)) == 0)
-        header = mmap(nullptr, pageSize(), PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
+    DWORD error = ERROR_SUCCESS;
+    if (sys::ftruncate(fd, 0) != 0)
+        error = setLastErrorFromErrno(errno);
+    else if (sys::fallocate(fd, static_cast<off_t>(pageSize() + dataSize)) != 0)
+        error = errno == ENOSPC || errno == EFBIG || errno == EDQUOT ? ERROR_COMMITMENT_LIMIT
+                                                                     : setLastErrorFromErrno(errno);
+    else if ((header = mmap(nullptr, pageSize(), PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0)) == MAP_FAILED)
+        error = setLastErrorFromErrno(errno);
     if (header == MAP_FAILED) {
-        setLastErrorFromErrno(errno);
+        SetLastError(error);
         unlink(path.c_str());
         return nullptr;
     }
