@@ -99,8 +99,22 @@ std::string blockMade(const std::string& name)
 
 std::string made(const std::string& outcome) { return outcome.empty() ? "" : "not made: " + outcome; }
 
+// A directory of root's that nobody else may enter.
+std::string privateDirectory(const std::string& path)
+{
+    fs::create_directory(path);
+    fs::permissions(path, fs::perms::owner_all);
+    return path;
+}
+
+std::string inSession(const Scene& s)
+{
+    setenv("XDG_RUNTIME_DIR", (s.dir + "/runtime").c_str(), 1);
+    return blockMade(s.name);
+}
+
 const OpenedPath paths[] = {
-    // Where another user can make a file of a name first: it takes the name.
+    // Where another user can make a file of a name first: it takes the name, and is named.
     {"named-object file of a user without a session", sessionlessUser,
      [](Scene& s) { return "/dev/shm/ovosystem.u" + std::to_string(sessionlessUser) + "." + s.name; },
      [](const Scene& s) {
@@ -108,11 +122,25 @@ const OpenedPath paths[] = {
          return blockMade(s.name);
      },
      [](const Scene& s, bool planted, const std::string& outcome) {
-         const std::string refused = "::OpenFileMapping( 'Local\\" + s.name + "' ) failed.";
-         return !planted                                           ? made(outcome)
-                : outcome.compare(0, refused.size(), refused) == 0 ? ""
-                                                                   : "not refused: " + outcome;
+         const std::string taken =
+             "::OpenFileMapping( 'Local\\" + s.name + "' ) failed. openError = 5, createError = 5; listed as taken";
+         return !planted ? made(outcome) : outcome == taken ? "" : "not refused as taken: " + outcome;
      }},
+    // In the session's directory nobody else can make a file of a name first.
+    {"named-object file in the session's directory", 0,
+     [](Scene& s) { return privateDirectory(privateDirectory(s.dir + "/runtime") + "/ovosystem") + "/" + s.name; },
+     inSession,
+     [](const Scene&, bool planted, const std::string& outcome) {
+         return planted ? "another user made a file in the session's directory" : made(outcome);
+     }},
+    // $XDG_RUNTIME_DIR where others may write: what they put there is not taken for the
+    // session's directory (root's objects go to /run then), a link to root's own neither.
+    {"the session's directory", 0,
+     [](Scene& s) {
+         s.target = privateDirectory(s.dir + "/roots");
+         return s.dir + "/runtime";
+     },
+     inSession, [](const Scene&, bool, const std::string& outcome) { return made(outcome); }},
 };
 
 void PrintTo(const OpenedPath& row, std::ostream* out) { *out << row.what; }

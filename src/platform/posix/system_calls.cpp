@@ -10,6 +10,7 @@ namespace posix {
 namespace sys {
 
 int open(const char* path, int flags, mode_t mode) { return ::open(path, flags, mode); }
+int openat(int directory, const char* path, int flags, mode_t mode) { return ::openat(directory, path, flags, mode); }
 ssize_t read(int fd, void* buffer, size_t size) { return ::read(fd, buffer, size); }
 ssize_t write(int fd, const void* buffer, size_t size) { return ::write(fd, buffer, size); }
 int ftruncate(int fd, off_t size) { return ::ftruncate(fd, size); }

@@ -12,6 +12,7 @@ namespace posix {
 namespace sys {
 
 int open(const char* path, int flags, mode_t mode = 0);
+int openat(int directory, const char* path, int flags, mode_t mode = 0);
 ssize_t read(int fd, void* buffer, size_t size);
 ssize_t write(int fd, const void* buffer, size_t size);
 int ftruncate(int fd, off_t size);
