@@ -157,10 +157,12 @@ TEST_P(PathAttackSweep, WhateverAnotherUserPlantsIsNeitherFollowedNorChanged)
         const ovo_test::TempDir dir;
         fs::permissions(dir.path(), fs::perms::all | fs::perms::sticky_bit); // as /tmp
         Scene scene{ovo_test::sweepName(std::string(row.what) + plant.what), dir.string(), dir.string() + "/target"};
-        std::ofstream(scene.target) << "secret";
+        std::ofstream(scene.target) << "secret"; // the victim's own file: it could write it
         fs::permissions(scene.target, fs::perms::owner_read | fs::perms::owner_write);
+        ASSERT_EQ(chown(scene.target.c_str(), row.user, row.user), 0);
         const std::string path = row.path(scene);
         const bool placed = inProcessOf(secondUser, [&] {
+                                umask(0); // as open to the victim as it can be
                                 return plant.plant(path, scene.target) == 0 ? "" : "refused";
                             }).first.empty();
         const std::string target = snapshot(scene.target), plantedThere = snapshot(path);

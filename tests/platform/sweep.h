@@ -18,8 +18,8 @@
 
 namespace ovo_test {
 
-// Where a row runs: a name of its own, a directory of its own, and for an attack the file
-// that a planted link points at.
+// Where a row runs: a name of its own, a directory of its own, and for an attack what a
+// planted link points at (a file of the victim's own, 0600, unless the row says otherwise).
 struct Scene {
     std::string name;
     std::string dir;
