@@ -19,15 +19,23 @@ int peerAsNobody(std::vector<std::string> a)
     return ovo_test::runProgram("/usr/bin/setpriv", a);
 }
 
+// Each test in a session directory of its own, so that what other tests leave in the
+// user's namespace meanwhile changes no listing and no sweep of its.
 class UserScopeTest : public ovo_test::IpcTest {
 protected:
+    void SetUp() override
+    {
+        fs::permissions(session_.path(), fs::perms::owner_all);
+        setenv("XDG_RUNTIME_DIR", session_.string().c_str(), 1);
+    }
     void TearDown() override
     {
+        setenv("XDG_RUNTIME_DIR", session_.string().c_str(), 1);
+        IpcTest::TearDown();
         if (runtime_)
             setenv("XDG_RUNTIME_DIR", runtime_->c_str(), 1);
         else
             unsetenv("XDG_RUNTIME_DIR");
-        IpcTest::TearDown();
     }
 
     void killHolderOf(const std::string& block)
@@ -54,6 +62,7 @@ protected:
     }
 
 private:
+    const ovo_test::TempDir session_;
     const std::unique_ptr<std::string> runtime_{
         getenv("XDG_RUNTIME_DIR") ? std::make_unique<std::string>(getenv("XDG_RUNTIME_DIR")) : nullptr};
 };
