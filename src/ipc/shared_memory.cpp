@@ -1,5 +1,6 @@
 #include <ovo/ipc/shared_memory.h>
 
+#include "ipc/create_or_open.h"
 #include "ipc/object_name.h"
 #include "platform/win32.h"
 
@@ -31,21 +32,19 @@ SharedMemoryImpl::SharedMemoryImpl(const std::string& name, unsigned int size)
     : mapping(nullptr), size(size), view(nullptr), created(true)
 {
     ovo::win32::SecurityAttributes security(ovo::win32::SecurityAttributes::SA_World, everyonesRights);
-    mapping = CreateFileMappingA(INVALID_HANDLE_VALUE, security, PAGE_READWRITE, 0, size, name.c_str());
-    // A platform that grants the create call on a block that exists reports it so; that
-    // constructor joined the block all the same.
-    if (mapping != nullptr && GetLastError() == ERROR_ALREADY_EXISTS)
-        created = false;
-    if (mapping == nullptr) {
-        const unsigned long createError = GetLastError();
-        mapping = OpenFileMappingA(FILE_MAP_READ | FILE_MAP_WRITE, FALSE, name.c_str());
-        if (mapping == nullptr) {
-            const unsigned long openError = GetLastError();
-            throw std::runtime_error(ovo::format("::OpenFileMapping( '%s' ) failed. openError = %lu, createError = %lu",
-                                                 name.c_str(), openError, createError));
-        }
-        created = false;
-    }
+    unsigned long createError = 0, openError = 0;
+    mapping = ovo::ipc::createOrOpen(
+        [&] {
+            HANDLE made = CreateFileMappingA(INVALID_HANDLE_VALUE, security, PAGE_READWRITE, 0, size, name.c_str());
+            // A platform that grants the create call on a block that exists reports it so;
+            // that constructor joined the block all the same.
+            created = made != nullptr && GetLastError() != ERROR_ALREADY_EXISTS;
+            return made;
+        },
+        [&] { return OpenFileMappingA(FILE_MAP_READ | FILE_MAP_WRITE, FALSE, name.c_str()); }, createError, openError);
+    if (mapping == nullptr)
+        throw std::runtime_error(ovo::format("::OpenFileMapping( '%s' ) failed. openError = %lu, createError = %lu",
+                                             name.c_str(), openError, createError));
     view = MapViewOfFile(mapping, FILE_MAP_ALL_ACCESS, 0, 0, size);
     if (view == nullptr) {
         const unsigned long viewError = GetLastError();

@@ -1,5 +1,6 @@
 #include <ovo/ipc/system_mutex.h>
 
+#include "ipc/create_or_open.h"
 #include "ipc/object_name.h"
 #include "ipc/owned_handle.h"
 #include "platform/win32.h"
@@ -23,16 +24,14 @@ namespace {
 HANDLE createOrOpen(const std::string& name)
 {
     win32::SecurityAttributes security(win32::SecurityAttributes::SA_World, SYNCHRONIZE);
-    HANDLE handle = CreateMutexA(security, FALSE, name.c_str());
-    if (handle != nullptr)
-        return handle;
-    const unsigned long createError = GetLastError();
-    handle = OpenMutexA(SYNCHRONIZE, FALSE, name.c_str());
-    if (handle != nullptr)
-        return handle;
-    const unsigned long openError = GetLastError();
-    throw std::runtime_error(
-        format("::OpenMutex( '%s' ) failed. openError = %lu, createError = %lu", name.c_str(), openError, createError));
+    unsigned long createError = 0, openError = 0;
+    HANDLE handle =
+        ipc::createOrOpen([&] { return CreateMutexA(security, FALSE, name.c_str()); },
+                          [&] { return OpenMutexA(SYNCHRONIZE, FALSE, name.c_str()); }, createError, openError);
+    if (handle == nullptr)
+        throw std::runtime_error(format("::OpenMutex( '%s' ) failed. openError = %lu, createError = %lu", name.c_str(),
+                                        openError, createError));
+    return handle;
 }
 
 } // namespace

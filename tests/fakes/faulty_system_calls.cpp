@@ -41,10 +41,21 @@ namespace ovo::posix::sys {
 using ovo_fake::fails;
 
 int open(const char* path, int flags, mode_t mode) { return fails("open") ? -1 : ::open(path, flags, mode); }
+int openat(int directory, const char* path, int flags, mode_t mode)
+{
+    return fails("openat") ? -1 : ::openat(directory, path, flags, mode);
+}
 ssize_t read(int fd, void* buffer, size_t size) { return fails("read") ? -1 : ::read(fd, buffer, size); }
 ssize_t write(int fd, const void* buffer, size_t size) { return fails("write") ? -1 : ::write(fd, buffer, size); }
 int ftruncate(int fd, off_t size) { return fails("ftruncate") ? -1 : ::ftruncate(fd, size); }
 int rename(const char* from, const char* to) { return fails("rename") ? -1 : ::rename(from, to); }
 int fsync(int fd) { return fails("fsync") ? -1 : ::fsync(fd); }
+int fallocate(int fd, off_t size)
+{
+    if (fails("fallocate"))
+        return -1;
+    errno = posix_fallocate(fd, 0, size);
+    return errno == 0 ? 0 : -1;
+}
 
 } // namespace ovo::posix::sys

@@ -5,8 +5,9 @@
 
 namespace ovo_fake {
 
-// The next `times` calls named ("open", "read", "write", "ftruncate", "rename", "fsync")
-// fail with errno `error`, instead of what was scripted before; no name: none fails.
+// The next `times` calls named ("open", "openat", "read", "write", "ftruncate", "rename",
+// "fsync", "fallocate") fail with errno `error`, instead of what was scripted before; no name: none
+// fails.
 void failCall(const char* call = "", int error = 0, int times = 1);
 
 } // namespace ovo_fake

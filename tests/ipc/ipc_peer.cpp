@@ -48,6 +48,14 @@ int run(const Args& a)
         standBy(a.at(5), memory.isCreated() ? "created" : "joined", a.at(6));
         return 0;
     }
+    if (command == "memory-fill") { // NAME SIZE FILLER: the block made, its file system filled up
+        ovo::ipc::SharedMemory memory(a.at(1), number(a.at(2))); // (FILLER), then every byte written
+        const std::string chunk(65536, 'f');
+        for (std::ofstream filler(a.at(3), std::ios::binary); filler.write(chunk.data(), chunk.size()).flush();) {
+        }
+        std::memset(memory.begin(), 1, number(a.at(2)));
+        return 0;
+    }
     if (command == "channel-send") { // NAME SIZE COUNT [READY RELEASE]: ids 1..COUNT, body "message N";
         ovo::ipc::MessageChannel channel(a.at(1), number(a.at(2))); // 0 when they are all queued
         for (unsigned id = 1; id <= number(a.at(3)); ++id) {

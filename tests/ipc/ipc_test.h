@@ -8,6 +8,7 @@
 #include "support/temp_dir.h"
 
 #include <ovo/ipc/message_channel.h>
+#include <ovo/ipc/named_objects.h>
 #include <ovo/ipc/shared_memory.h>
 #include <ovo/ipc/system_event.h>
 #include <ovo/ipc/system_mutex.h>
@@ -30,17 +31,14 @@ protected:
     std::string file(const std::string& name) const { return (dir_.path() / name).string(); }
     void release(const std::string& name) const { std::ofstream(file(name)).put('x'); }
 
-    // The files of this run's objects that the library's layer keeps (none on Windows).
+    // This run's objects that are left in this user's namespace (none show on Windows,
+    // whose kernel ends them).
     static std::vector<std::string> leftovers()
     {
         std::vector<std::string> found;
-#if !defined(_WIN32)
-        for (const auto& entry : std::filesystem::directory_iterator("/dev/shm")) {
-            const std::string fileName = entry.path().filename().string();
-            if (fileName.find(prefix()) != std::string::npos)
-                found.push_back(fileName);
-        }
-#endif
+        for (const ovo::ipc::ListedObject& object : ovo::ipc::namedObjects())
+            if (object.name.find(prefix()) != std::string::npos)
+                found.push_back(object.name);
         return found;
     }
 

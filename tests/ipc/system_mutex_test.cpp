@@ -1,5 +1,9 @@
 #include "ipc/ipc_test.h"
 
+#if !defined(_WIN32)
+#include <sys/wait.h>
+#endif
+
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -66,6 +70,44 @@ TEST_F(SystemMutexTest, AHolderThatDiesOrDropsAHeldMutexStopsNobody)
     std::thread([&] { dropped.reset(); }).join();
     EXPECT_EQ(tryInPeer(name("thread"), "0"), 0);
 }
+
+#if !defined(_WIN32)
+// A child made by fork holds copies of its parent's objects: whatever it does with them (its
+// destructors, exit), they stay its parent's. A handle it opens itself is its own, and keeps
+// the object when the parent lets go. A program started holds none of them.
+TEST_F(SystemMutexTest, AForkedChildEndsNoneOfItsParentsObjects)
+{
+    const std::string blockName = name("forked-block"); // of this process's id
+    auto mutex = std::make_unique<SystemMutex>(name("forked"));
+    auto block = std::make_unique<ovo::ipc::SharedMemory>(blockName, 64);
+    mutex->lock();
+    const pid_t child = fork();
+    if (child == 0) {
+        {
+            ovo::ipc::SharedMemory own(blockName, 64);
+            mutex.reset();
+            block.reset();
+            release("forked");
+            ovo_test::waitForFile(file("go"));
+        } // the last handle of the block: it ends
+        std::exit(0);
+    }
+    ASSERT_TRUE(waitForFile(file("forked")));
+    EXPECT_EQ(tryInPeer(name("forked"), "0"), 1); // still held here
+    block.reset();
+    // The child's own handle holds the block now.
+    ChildProcess joiner("ipc_peer", {"memory", blockName, "64", "1", "8", file("joined"), file("go")});
+    ASSERT_TRUE(waitForFile(file("joined")));
+    EXPECT_EQ(ovo_test::readFile(file("joined")), "joined");
+    release("go");
+    EXPECT_EQ(joiner.wait(), 0);
+    ASSERT_EQ(waitpid(child, nullptr, 0), child);
+    EXPECT_EQ(ovo_test::runProgram("/bin/sh", {"-c", "ls -l /proc/self/fd/ | grep -c " + name("forked")}, file("fds")),
+              1);
+    EXPECT_EQ(ovo_test::readFile(file("fds")), "0\n") << "a descriptor of an object crossed exec";
+    mutex->unlock();
+}
+#endif
 
 TEST_F(SystemMutexTest, AnEventLetsOneWaitThroughASetAndStaysSetForTheNext)
 {

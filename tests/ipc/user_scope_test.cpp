@@ -1,13 +1,17 @@
-// Linux: each user's names are a namespace of that user's own, and what killed holders
-// left behind is listed (also by `ovo objects`) and swept away.
+// Linux: "Local\" names live in the login session's directory, which nobody else may enter;
+// each user's names are a namespace of that user's own; without a session another user can
+// take a name first, and `ovo objects` names it; what killed holders left behind is listed
+// (also by `ovo objects`) and swept away.
 #include "ipc/ipc_test.h"
 
+#include <set>
 #include <sstream>
 #include <sys/stat.h>
 
 namespace {
 
 using ovo::ipc::SystemMutex;
+namespace fs = std::filesystem;
 
 int peerAsNobody(std::vector<std::string> a)
 {
@@ -15,25 +19,99 @@ int peerAsNobody(std::vector<std::string> a)
     return ovo_test::runProgram("/usr/bin/setpriv", a);
 }
 
+// Each test in a session directory of its own, so that what other tests leave in the
+// user's namespace meanwhile changes no listing and no sweep of its.
 class UserScopeTest : public ovo_test::IpcTest {
 protected:
+    void SetUp() override
+    {
+        fs::permissions(session_.path(), fs::perms::owner_all);
+        setenv("XDG_RUNTIME_DIR", session_.string().c_str(), 1);
+    }
+    void TearDown() override
+    {
+        setenv("XDG_RUNTIME_DIR", session_.string().c_str(), 1);
+        IpcTest::TearDown();
+        if (runtime_)
+            setenv("XDG_RUNTIME_DIR", runtime_->c_str(), 1);
+        else
+            unsetenv("XDG_RUNTIME_DIR");
+    }
+
     void killHolderOf(const std::string& block)
     {
         ovo_test::ChildProcess peer("ipc_peer", {"memory", name(block), "64", "0", "1", file(block), "-"});
         ASSERT_TRUE(ovo_test::waitForFile(file(block)));
         peer.kill();
     }
-    int tool(const std::vector<std::string>& args) { return ovo_test::runProgram("ovo", args, file("out")); }
-    // The line of `ovo objects` about the object, or "none".
-    std::string listed(const std::string& tag)
+    int tool(const std::vector<std::string>& args, const std::vector<std::string>& as = {})
     {
-        std::istringstream lines(tool({"objects"}) == 0 ? ovo_test::readFile(file("out")) : "");
+        std::vector<std::string> words = as;
+        words.push_back(ovo_test::siblingProgram("ovo"));
+        words.insert(words.end(), args.begin(), args.end());
+        return ovo_test::runProgram(words[0], std::vector<std::string>(words.begin() + 1, words.end()), file("out"));
+    }
+    // The line of `ovo objects` about the object, or "none".
+    std::string listed(const std::string& tag, const std::vector<std::string>& as = {})
+    {
+        std::istringstream lines(tool({"objects"}, as) == 0 ? ovo_test::readFile(file("out")) : "");
         for (std::string line; std::getline(lines, line);)
             if (line.find(" " + name(tag)) != std::string::npos)
                 return line;
         return "none";
     }
+
+private:
+    const ovo_test::TempDir session_;
+    const std::unique_ptr<std::string> runtime_{
+        getenv("XDG_RUNTIME_DIR") ? std::make_unique<std::string>(getenv("XDG_RUNTIME_DIR")) : nullptr};
 };
+
+// The session's directory is $XDG_RUNTIME_DIR when that is this user's alone (mode 0700), for
+// root without one /run; elsewhere (no session) the names are files of /dev/shm.
+TEST_F(UserScopeTest, LocalNamesLiveInTheSessionsDirectoryWhenItIsTheUsersAlone)
+{
+    const bool root = geteuid() == 0;
+    const ovo_test::TempDir dir;
+    const fs::path own = dir.path() / "own", others = dir.path() / "others";
+    for (const fs::path& made : {own, others, dir.path() / "open"})
+        fs::create_directory(made);
+    fs::permissions(own, fs::perms::owner_all);
+    fs::permissions(others, fs::perms::owner_all);
+    fs::create_directory_symlink(own, dir.path() / "link");
+    fs::create_directory_symlink(own, dir.path() / "others-link");
+    ASSERT_EQ(lchown(others.c_str(), 65534, 0) == 0 && lchown((dir.path() / "others-link").c_str(), 65534, 0) == 0, root);
+    const std::string session = (own / "ovosystem/").string();
+    const std::string none = root ? "/run/ovosystem/" : "/dev/shm/ovosystem.u" + std::to_string(geteuid()) + ".";
+    const std::pair<const char*, std::string> cases[] = {
+        // XDG_RUNTIME_DIR in `dir` ("" for none; others' only when root could make them), where objects are
+        {"own", session}, {"link", session}, {"", none},          {"open", none},
+        {"../own", none}, {root ? "others" : "", none}, {root ? "others-link" : "", none},
+    };
+    const fs::path workingDirectory = fs::current_path();
+    fs::current_path(dir.path() / "open"); // where the relative path would lead
+    for (const auto& c : cases) {
+        const std::string runtime = c.first[0] == '.' ? c.first : (dir.path() / c.first).string();
+        if (c.first[0] != '\0')
+            setenv("XDG_RUNTIME_DIR", runtime.c_str(), 1);
+        else
+            unsetenv("XDG_RUNTIME_DIR");
+        SystemMutex mutex(name("where"));
+        EXPECT_TRUE(fs::exists(c.second + name("where"))) << c.first << ": not in " << c.second;
+    }
+    fs::current_path(workingDirectory);
+    // In a directory of the user's own, "." and ".." are names like any other.
+    setenv("XDG_RUNTIME_DIR", own.c_str(), 1);
+    ovo::ipc::SharedMemory dot(".", 64), dots("..", 64), hidden(".hidden", 64);
+    EXPECT_TRUE(dot.isCreated() && dots.isCreated() && hidden.isCreated());
+    std::set<std::string> files, names;
+    for (const auto& entry : fs::directory_iterator(own / "ovosystem"))
+        files.insert(entry.path().filename().string());
+    for (const ovo::ipc::ListedObject& object : ovo::ipc::namedObjects())
+        names.insert(object.name);
+    EXPECT_EQ(files, (std::set<std::string>{"%2E", "%2E.", "%2Ehidden"}));
+    EXPECT_EQ(names, (std::set<std::string>{".", "..", ".hidden"}));
+}
 
 TEST_F(UserScopeTest, AnotherUsersProcessGetsObjectsOfItsOwn)
 {
@@ -48,23 +126,31 @@ TEST_F(UserScopeTest, AnotherUsersProcessGetsObjectsOfItsOwn)
     mutex.unlock();
 }
 
-// In a directory that everybody may write, anybody may make a file of a name first.
-TEST_F(UserScopeTest, AFileThatIsNoObjectOfThisUserIsRefusedUntouched)
+// A user without a session has its names in /dev/shm, where anybody may make a file of a
+// name first: the name cannot be used then, and `ovo objects` says that it is taken.
+TEST_F(UserScopeTest, WithoutASessionATakenNameIsListedAsTaken)
 {
-    const std::string path = "/dev/shm/ovosystem.u" + std::to_string(geteuid()) + "." + name("taken");
-    for (const bool fifo : {true, false}) {
-        if (!fifo && geteuid() != 0)
-            GTEST_SKIP() << "only root may make a file of another user";
-        ASSERT_FALSE(fifo ? mkfifo(path.c_str(), 0600) : (std::ofstream{path}, chown(path.c_str(), 65534, 65534)));
-        EXPECT_EQ(ovo_test::failureOf([&] { SystemMutex mutex(name("taken")); }),
-                  "::OpenMutex( 'Local\\" + name("taken") + "' ) failed. openError = 5, createError = 5");
-        EXPECT_TRUE(std::filesystem::remove(path));
-    }
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root may act as two other users";
+    if (!fs::exists(ovo_test::siblingProgram("ovo")))
+        GTEST_SKIP() << "built without the ovo tool";
+    const std::string path = "/dev/shm/ovosystem.u65533." + name("taken");
+    ASSERT_EQ(ovo_test::runProgram("/usr/bin/setpriv",
+                                   {"--reuid=65534", "--regid=65534", "--clear-groups", "/usr/bin/touch", path}),
+              0);
+    const std::vector<std::string> sessionless{"/usr/bin/setpriv", "--reuid=65533", "--regid=65533",
+                                               "--clear-groups",   "/usr/bin/env",  "-u",
+                                               "XDG_RUNTIME_DIR"};
+    EXPECT_EQ(listed("taken", sessionless), "taken               " + name("taken") +
+                                                "  (no object of this user's: only its owner or root can remove it)");
+    EXPECT_EQ(tool({"objects", "clean"}, sessionless), 0);
+    EXPECT_TRUE(fs::exists(path));
+    EXPECT_TRUE(fs::remove(path));
 }
 
 TEST_F(UserScopeTest, ObjectsOfKilledHoldersAreListedAndSweptAway)
 {
-    if (!std::filesystem::exists(ovo_test::siblingProgram("ovo")))
+    if (!fs::exists(ovo_test::siblingProgram("ovo")))
         GTEST_SKIP() << "built without the ovo tool";
     ovo::ipc::SharedMemory live(name("live"), 100);
     killHolderOf("stale");

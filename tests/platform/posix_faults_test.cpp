@@ -68,13 +68,18 @@ TEST(PosixFaults, FailuresReportTheCauseAndChangeNothing)
 
 TEST(PosixFaults, ANamedObjectThatCannotBeMadeLeavesNothing)
 {
-    const std::string tag = "ovofaults-" + std::to_string(getpid());
-    const std::string name = "Local\\" + tag;
-    const std::string file = "/dev/shm/ovosystem.u" + std::to_string(geteuid()) + "." + tag;
-    failCall("ftruncate", ENOSPC);
+    ovo_test::TempDir runtime; // the session's directory of this test's own
+    std::filesystem::permissions(runtime.path(), std::filesystem::perms::owner_all);
+    setenv("XDG_RUNTIME_DIR", runtime.string().c_str(), 1);
+    const std::string name = "Local\\faults";
+    const auto file = runtime.path() / "ovosystem" / "faults";
+    failCall("fallocate", ENOSPC);
     EXPECT_EQ(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 4096, name.c_str()), nullptr);
-    EXPECT_EQ(GetLastError(), 112u);
-    failCall("open", EMFILE);
+    EXPECT_EQ(GetLastError(), 1455u); // ERROR_COMMITMENT_LIMIT: the memory cannot be committed
+    failCall("ftruncate", EIO);
+    EXPECT_EQ(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 4096, name.c_str()), nullptr);
+    EXPECT_EQ(GetLastError(), 31u);
+    failCall("openat", EMFILE);
     EXPECT_EQ(CreateMutexA(nullptr, FALSE, name.c_str()), nullptr);
     EXPECT_EQ(GetLastError(), 4u);
     failCall();
@@ -83,4 +88,5 @@ TEST(PosixFaults, ANamedObjectThatCannotBeMadeLeavesNothing)
     ASSERT_NE(mapping, nullptr); // the name is free and works again
     CloseHandle(mapping);
     EXPECT_FALSE(std::filesystem::exists(file));
+    unsetenv("XDG_RUNTIME_DIR");
 }

@@ -10,13 +10,14 @@
 namespace ovo_tool {
 namespace {
 
-const char objectsHelp[] =
-    "usage: ovo objects [OPTIONS] [clean]\n"
-    "Lists this user's named objects (mutexes, events, shared memory; a channel NAME is\n"
-    "NAME_data and NAME_lock): live while some process holds them, stale when every holder\n"
-    "was killed. clean removes the stale ones (creating an object removes a few as well).\n"
-    "examples: ovo objects\n"
-    "          ovo objects clean\n";
+const char objectsHelp[] = "usage: ovo objects [OPTIONS] [clean]\n"
+                           "Lists this user's named objects (mutexes, events, shared memory; a channel NAME is\n"
+                           "NAME_data and NAME_lock): live while some process holds them, stale when every holder\n"
+                           "was killed, taken when another user made a file of the name first (possible only\n"
+                           "without a login session, in /dev/shm). clean removes the stale ones (creating an\n"
+                           "object removes a few as well).\n"
+                           "examples: ovo objects\n"
+                           "          ovo objects clean\n";
 
 } // namespace
 
@@ -36,10 +37,16 @@ int objectsCommand(const std::vector<std::string>& args)
         return 0;
     }
     for (const ovo::ipc::ListedObject& object : ovo::ipc::namedObjects()) {
-        std::cout << std::left << std::setw(6) << (object.live ? "live" : "stale") << std::setw(14) << object.kind
-                  << object.name;
+        const bool taken = object.kind == "taken";
+        std::cout << std::left << std::setw(6)
+                  << (taken         ? "taken"
+                      : object.live ? "live"
+                                    : "stale")
+                  << std::setw(14) << (taken ? "" : object.kind) << object.name;
         if (object.kind == "shared memory")
             std::cout << "  " << object.size << " bytes";
+        if (taken)
+            std::cout << "  (no object of this user's: only its owner or root can remove it)";
         std::cout << '\n';
     }
     return 0;

@@ -1,14 +1,12 @@
 #include "platform/posix/named_object.h"
 
-#include "platform/posix/file_name.h"
 #include "platform/posix/handle.h"
+#include "platform/posix/object_directory.h"
 #include "platform/posix/system_calls.h"
 
 #include <cerrno>
-#include <cstdio>
-#include <cstring>
-#include <dirent.h>
 #include <fcntl.h>
+#include <limits>
 #include <map>
 #include <mutex>
 #include <sys/mman.h>
@@ -19,11 +17,8 @@ namespace ovo {
 namespace posix {
 namespace {
 
-const char directory[] = "/dev/shm/";
-const char filePrefix[] = "ovosystem.";
 const unsigned ownerOnly = 0600;
-const std::size_t maxPath = 260;     // Windows' limit on an object name
-const std::size_t maxFileName = 255; // NAME_MAX of the usual file systems
+const std::size_t maxPath = 260;        // Windows' limit on an object name
 const std::uint32_t magic = 0x4F564F31; // "OVO1"
 const unsigned sweptPerCreate = 16;
 const std::size_t stateOffset = 64;
@@ -70,46 +65,14 @@ bool byteFree(int fd, off_t byte)
     return fcntl(fd, F_OFD_GETLK, &lock) == 0 && lock.l_type == F_UNLCK;
 }
 
-std::uint64_t fnv1a(const std::string& text, std::uint64_t seed)
-{
-    std::uint64_t hash = seed;
-    for (unsigned char c : text)
-        hash = (hash ^ c) * 0x100000001B3ull;
-    return hash;
-}
-
-// The escaped name, or a hash of it when that is too long for a file name.
-std::string encodedFileName(const std::string& scope, const std::string& name)
-{
-    const std::string encoded = filePrefix + scope + escapedFileName(name);
-    if (encoded.size() <= maxFileName)
-        return encoded;
-    char hashed[40];
-    std::snprintf(hashed, sizeof hashed, "~%016llx%016llx",
-                  static_cast<unsigned long long>(fnv1a(name, 0xCBF29CE484222325ull)),
-                  static_cast<unsigned long long>(fnv1a(name, 0x84222325CBF29CE4ull)));
-    return filePrefix + scope + hashed;
-}
-
 std::size_t pageSize() { return static_cast<std::size_t>(sysconf(_SC_PAGESIZE)); }
 
-// "Local\" names: a namespace of each user's own, whose files only that user may open.
-std::string userScope() { return "u" + std::to_string(geteuid()) + "."; }
-
-std::string userFilePrefix() { return filePrefix + userScope(); }
-
-bool inUserScope(const std::string& path)
+// Whether a file of the directory may be taken for an object: a regular file (never a FIFO
+// or device that could block or redirect us) and, where others may make files of our names,
+// this user's own: another user could have made one of a name first.
+bool trusted(const struct stat& file, const ObjectDirectory& directory)
 {
-    const std::string prefix = directory + userFilePrefix();
-    return path.compare(0, prefix.size(), prefix) == 0;
-}
-
-// Whether a file of the namespace may be taken for an object: a regular file (never a
-// FIFO or device that could block or redirect us) and, in a user's scope, that user's own:
-// in the world-writable directory anybody could have made a file of that name first.
-bool trusted(const struct stat& file, const std::string& path)
-{
-    return S_ISREG(file.st_mode) && (!inUserScope(path) || file.st_uid == geteuid());
+    return S_ISREG(file.st_mode) && (!directory.usersOnly() || file.st_uid == geteuid());
 }
 
 std::shared_ptr<NamedObject> fail(int fd, DWORD error)
@@ -137,11 +100,13 @@ class ProcessObjects {
 public:
     using Key = std::pair<dev_t, ino_t>;
 
+    // The object that this process holds (not one inherited from a parent that forked it).
     std::shared_ptr<NamedObject> find(const Key& key)
     {
         std::lock_guard<std::mutex> guard(lock_);
         auto found = objects_.find(key);
-        return found != objects_.end() ? found->second.lock() : nullptr;
+        std::shared_ptr<NamedObject> object = found != objects_.end() ? found->second.lock() : nullptr;
+        return object != nullptr && object->ownedHere() ? object : nullptr;
     }
 
     void add(const Key& key, const std::shared_ptr<NamedObject>& object)
@@ -169,16 +134,22 @@ ProcessObjects& processObjects()
     return *objects;
 }
 
-// Opens a file of the namespace that may be taken for an object; -1 with the last error
-// set otherwise.
-int openTrusted(const std::string& path, int flags, unsigned mode, struct stat& opened)
+// Opens a file of the directory that may be taken for an object, never through a link; -1
+// with the last error set otherwise (ERROR_ACCESS_DENIED for a file that is no object of
+// this user's: a link, a FIFO, a directory, another user's file).
+int openTrusted(const ObjectDirectory& directory, const std::string& fileName, int flags, unsigned mode,
+                struct stat& opened)
 {
-    const int fd = sys::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | flags, mode);
+    const int fd = sys::openat(directory.descriptor(), fileName.c_str(),
+                               O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | flags, mode);
     if (fd < 0) {
-        setLastErrorFromErrno(errno);
+        if (errno == ELOOP)
+            SetLastError(ERROR_ACCESS_DENIED);
+        else
+            setLastErrorFromErrno(errno);
         return -1;
     }
-    if (fstat(fd, &opened) != 0 || !trusted(opened, path)) {
+    if (fstat(fd, &opened) != 0 || !trusted(opened, directory)) {
         close(fd);
         SetLastError(ERROR_ACCESS_DENIED);
         return -1;
@@ -186,12 +157,21 @@ int openTrusted(const std::string& path, int flags, unsigned mode, struct stat& 
     return fd;
 }
 
+// Whether the directory's entry of that name is the file opened.
+bool stillNamed(const ObjectDirectory& directory, const std::string& fileName, const struct stat& opened)
+{
+    struct stat named;
+    return fstatat(directory.descriptor(), fileName.c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0 &&
+           named.st_ino == opened.st_ino && named.st_dev == opened.st_dev;
+}
+
 // Opens the file that the name stands for now, with the guard byte held; a file that its
 // last holder removed meanwhile is passed over. -1 with the last error set on failure.
-int openGuarded(const std::string& path, bool create, unsigned mode, struct stat& opened)
+int openGuarded(const ObjectDirectory& directory, const std::string& fileName, bool create, unsigned mode,
+                struct stat& opened)
 {
     for (;;) {
-        const int fd = openTrusted(path, create ? O_CREAT : 0, mode, opened);
+        const int fd = openTrusted(directory, fileName, create ? O_CREAT : 0, mode, opened);
         if (fd < 0)
             return -1;
         if (!lockByte(fd, guardByte, F_WRLCK, true)) {
@@ -199,9 +179,7 @@ int openGuarded(const std::string& path, bool create, unsigned mode, struct stat
             close(fd);
             return -1;
         }
-        struct stat named;
-        if (fstat(fd, &opened) == 0 && opened.st_nlink > 0 && stat(path.c_str(), &named) == 0 &&
-            named.st_ino == opened.st_ino && named.st_dev == opened.st_dev)
+        if (fstat(fd, &opened) == 0 && opened.st_nlink > 0 && stillNamed(directory, fileName, opened))
             return fd;
         close(fd);
     }
@@ -227,17 +205,25 @@ void* joined(int fd, const struct stat& opened, ObjectKind kind, DWORD desiredAc
     return nullptr;
 }
 
-// A new object in the file (new, or left by holders that all died): zeroed, sized, its
-// header and state written before anybody else can see it.
-void* startedFresh(int fd, const std::string& path, ObjectKind kind, const ObjectAccess& access, unsigned mode,
-                   std::uint64_t dataSize, NamedObject::Initializer initialize)
+// A new object in the file (new, or left by holders that all died): zeroed, its memory
+// reserved (a full file system fails here, never a write into the mapping later with a
+// SIGBUS), its header and state written before anybody else can see it.
+void* startedFresh(int fd, const ObjectDirectory& directory, const std::string& fileName, ObjectKind kind,
+                   const ObjectAccess& access, unsigned mode, std::uint64_t dataSize,
+                   NamedObject::Initializer initialize)
 {
     void* header = MAP_FAILED;
-    if (sys::ftruncate(fd, 0) == 0 && sys::ftruncate(fd, static_cast<off_t>(pageSize() + dataSize)) == 0)
-        header = mmap(nullptr, pageSize(), PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
+    DWORD error = ERROR_SUCCESS;
+    if (sys::ftruncate(fd, 0) != 0)
+        error = setLastErrorFromErrno(errno);
+    else if (sys::fallocate(fd, static_cast<off_t>(pageSize() + dataSize)) != 0)
+        error = errno == ENOSPC || errno == EFBIG || errno == EDQUOT ? ERROR_COMMITMENT_LIMIT
+                                                                     : setLastErrorFromErrno(errno);
+    else if ((header = mmap(nullptr, pageSize(), PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0)) == MAP_FAILED)
+        error = setLastErrorFromErrno(errno);
     if (header == MAP_FAILED) {
-        setLastErrorFromErrno(errno);
-        unlink(path.c_str());
+        SetLastError(error);
+        unlinkat(directory.descriptor(), fileName.c_str(), 0);
         return nullptr;
     }
     fchmod(fd, mode); // the mode asked for, whatever the umask
@@ -248,18 +234,54 @@ void* startedFresh(int fd, const std::string& path, ObjectKind kind, const Objec
     return header;
 }
 
-// The paths of this user's object files.
-std::vector<std::string> userObjectPaths()
+// Removes files of the directory that no handle holds, looking at no more than `limit`
+// files; gives how many went.
+unsigned removeStale(const ObjectDirectory& directory, unsigned limit)
 {
-    std::vector<std::string> paths;
-    const std::string prefix = userFilePrefix();
-    if (DIR* dir = opendir(directory)) {
-        while (const dirent* entry = readdir(dir))
-            if (std::strncmp(entry->d_name, prefix.c_str(), prefix.size()) == 0)
-                paths.push_back(directory + std::string(entry->d_name));
-        closedir(dir);
+    unsigned removed = 0;
+    const std::vector<std::string> fileNames = directory.fileNames();
+    for (std::size_t i = 0; i < fileNames.size() && i < limit; ++i) {
+        struct stat opened;
+        const int fd = openTrusted(directory, fileNames[i], 0, 0, opened);
+        if (fd < 0)
+            continue;
+        // Under the guard, with no handle holding the liveness byte, nobody can join it.
+        if (lockByte(fd, guardByte, F_WRLCK, false) && lockByte(fd, livenessByte, F_WRLCK, false) &&
+            stillNamed(directory, fileNames[i], opened) &&
+            unlinkat(directory.descriptor(), fileNames[i].c_str(), 0) == 0)
+            ++removed;
+        close(fd);
     }
-    return paths;
+    return removed;
+}
+
+// The directory of an object name and the name in it (after "Local\" or "Global\"), or null
+// with the Win32 code of a name that Windows refuses as well: nothing after the prefix
+// (ERROR_INVALID_NAME), a further backslash (ERROR_PATH_NOT_FOUND), more than MAX_PATH
+// characters (ERROR_FILENAME_EXCED_RANGE).
+std::shared_ptr<const ObjectDirectory> directoryOf(const char* name, std::string& rest)
+{
+    if (name == nullptr) {
+        SetLastError(ERROR_INVALID_PARAMETER); // the layer has named objects only
+        return nullptr;
+    }
+    rest = name;
+    bool global = false;
+    if (rest.size() > maxPath) {
+        SetLastError(ERROR_FILENAME_EXCED_RANGE);
+        return nullptr;
+    }
+    if (rest.compare(0, 6, "Local\\") == 0) {
+        rest.erase(0, 6);
+    } else if (rest.compare(0, 7, "Global\\") == 0) {
+        rest.erase(0, 7);
+        global = true;
+    }
+    if (rest.empty() || rest.find('\\') != std::string::npos) {
+        SetLastError(rest.empty() ? ERROR_INVALID_NAME : ERROR_PATH_NOT_FOUND); // no such directory of objects
+        return nullptr;
+    }
+    return global ? ObjectDirectory::global() : ObjectDirectory::local();
 }
 
 } // namespace
@@ -267,65 +289,33 @@ std::vector<std::string> userObjectPaths()
 std::vector<ObjectFile> userObjects()
 {
     std::vector<ObjectFile> objects;
-    for (const std::string& path : userObjectPaths()) {
+    const std::shared_ptr<const ObjectDirectory> directory = ObjectDirectory::local();
+    if (directory == nullptr)
+        return objects;
+    for (const std::string& fileName : directory->fileNames()) {
         struct stat opened;
-        const int fd = openTrusted(path, 0, 0, opened);
-        if (fd < 0)
-            continue;
-        Header header = {};
-        if (pread(fd, &header, sizeof header, 0) != static_cast<ssize_t>(sizeof header) || header.magic != magic)
-            header = Header{}; // not an object's file
-        const std::string fileName = path.substr(std::strlen(directory) + userFilePrefix().size());
-        const bool live = !byteFree(fd, guardByte) || !byteFree(fd, livenessByte);
-        objects.push_back(ObjectFile{unescapedFileName(fileName), header.kind, live, header.dataSize});
-        close(fd);
+        const int fd = openTrusted(*directory, fileName, 0, 0, opened);
+        ObjectFile file{directory->objectName(fileName), 0, false, 0, fd < 0};
+        if (fd < 0 && GetLastError() != ERROR_ACCESS_DENIED)
+            continue; // gone meanwhile
+        if (fd >= 0) {
+            Header header = {};
+            if (pread(fd, &header, sizeof header, 0) == static_cast<ssize_t>(sizeof header) && header.magic == magic) {
+                file.kind = header.kind;
+                file.dataSize = header.dataSize;
+            }
+            file.live = !byteFree(fd, guardByte) || !byteFree(fd, livenessByte);
+            close(fd);
+        }
+        objects.push_back(file);
     }
     return objects;
 }
 
-unsigned removeStaleObjects(unsigned limit)
+unsigned removeStaleObjects()
 {
-    unsigned removed = 0;
-    const std::vector<std::string> paths = userObjectPaths();
-    for (std::size_t i = 0; i < paths.size() && i < limit; ++i) {
-        struct stat opened, named;
-        const int fd = openTrusted(paths[i], 0, 0, opened);
-        if (fd < 0)
-            continue;
-        // Under the guard, with no handle holding the liveness byte, nobody can join it.
-        if (lockByte(fd, guardByte, F_WRLCK, false) && lockByte(fd, livenessByte, F_WRLCK, false) &&
-            stat(paths[i].c_str(), &named) == 0 && named.st_ino == opened.st_ino && named.st_dev == opened.st_dev &&
-            unlink(paths[i].c_str()) == 0)
-            ++removed;
-        close(fd);
-    }
-    return removed;
-}
-
-std::string objectPath(const char* name, DWORD& error)
-{
-    error = ERROR_SUCCESS;
-    if (name == nullptr) {
-        error = ERROR_INVALID_PARAMETER; // the layer has named objects only
-        return std::string();
-    }
-    std::string rest(name);
-    if (rest.size() > maxPath) {
-        error = ERROR_FILENAME_EXCED_RANGE;
-        return std::string();
-    }
-    std::string scope = userScope();
-    if (rest.compare(0, 6, "Local\\") == 0) {
-        rest.erase(0, 6);
-    } else if (rest.compare(0, 7, "Global\\") == 0) {
-        rest.erase(0, 7);
-        scope = "g.";
-    }
-    if (rest.empty())
-        error = ERROR_INVALID_NAME;
-    else if (rest.find('\\') != std::string::npos)
-        error = ERROR_PATH_NOT_FOUND; // no such directory of objects
-    return error == ERROR_SUCCESS ? directory + encodedFileName(scope, rest) : std::string();
+    const std::shared_ptr<const ObjectDirectory> directory = ObjectDirectory::local();
+    return directory != nullptr ? removeStale(*directory, std::numeric_limits<unsigned>::max()) : 0;
 }
 
 std::shared_ptr<NamedObject> NamedObject::create(ObjectKind kind, const char* name, const SECURITY_ATTRIBUTES* security,
@@ -345,16 +335,17 @@ std::shared_ptr<NamedObject> NamedObject::acquire(ObjectKind kind, const char* n
                                                   DWORD desiredAccess, std::uint64_t dataSize, Initializer initialize,
                                                   bool create, bool& existed)
 {
-    DWORD error;
-    const std::string path = objectPath(name, error);
-    if (path.empty())
-        return fail(-1, error);
+    std::string rest;
+    const std::shared_ptr<const ObjectDirectory> directory = directoryOf(name, rest);
+    if (directory == nullptr)
+        return nullptr;
+    const std::string fileName = directory->fileName(rest);
     const ObjectAccess access = ObjectAccess::of(security);
     // Within a user's scope the access list decides what that user's processes may do;
     // no other user may open the file at all.
-    const unsigned mode = inUserScope(path) ? ownerOnly : access.fileMode();
+    const unsigned mode = directory->usersOnly() ? ownerOnly : access.fileMode();
     struct stat opened;
-    const int fd = openGuarded(path, create, mode, opened);
+    const int fd = openGuarded(*directory, fileName, create, mode, opened);
     if (fd < 0)
         return nullptr;
     const ProcessObjects::Key key(opened.st_dev, opened.st_ino);
@@ -369,29 +360,31 @@ std::shared_ptr<NamedObject> NamedObject::acquire(ObjectKind kind, const char* n
     }
     existed = !lockByte(fd, livenessByte, F_WRLCK, false); // someone holds it
     if (!existed && !create) {
-        unlink(path.c_str()); // left behind by holders that died
+        unlinkat(directory->descriptor(), fileName.c_str(), 0); // left behind by holders that died
         return fail(fd, ERROR_FILE_NOT_FOUND);
     }
     void* const header = existed ? joined(fd, opened, kind, desiredAccess)
-                                 : startedFresh(fd, path, kind, access, mode, dataSize, initialize);
+                                 : startedFresh(fd, *directory, fileName, kind, access, mode, dataSize, initialize);
     if (header == nullptr)
         return fail(fd, GetLastError());
     lockByte(fd, livenessByte, F_RDLCK, false); // compatible with the other holders
     lockByte(fd, guardByte, F_UNLCK, false);
-    std::shared_ptr<NamedObject> object(new NamedObject(fd, path, header));
+    std::shared_ptr<NamedObject> object(new NamedObject(fd, directory, fileName, header));
     processObjects().add(key, object);
     if (!existed)
-        removeStaleObjects(sweptPerCreate);
+        removeStale(*directory, sweptPerCreate);
     SetLastError(existed ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
     return object;
 }
 
 NamedObject::~NamedObject()
 {
-    lockByte(fd_, guardByte, F_WRLCK, true);
-    lockByte(fd_, livenessByte, F_UNLCK, false);
-    if (lockByte(fd_, livenessByte, F_WRLCK, false))
-        unlink(path_.c_str()); // the last handle anywhere
+    if (ownedHere()) { // an inherited copy's locks are the parent's
+        lockByte(fd_, guardByte, F_WRLCK, true);
+        lockByte(fd_, livenessByte, F_UNLCK, false);
+        if (lockByte(fd_, livenessByte, F_WRLCK, false))
+            unlinkat(directory_->descriptor(), fileName_.c_str(), 0); // the last handle anywhere
+    }
     struct stat own;
     if (fstat(fd_, &own) == 0)
         processObjects().forget(ProcessObjects::Key(own.st_dev, own.st_ino));
@@ -407,6 +400,8 @@ void* NamedObject::keepMappedAfterClose()
 }
 
 void NamedObject::unmapKept(void* header) { munmap(header, pageSize()); }
+
+bool NamedObject::ownedHere() const { return owner_ == getpid(); }
 
 void* NamedObject::state() const { return static_cast<char*>(header_) + stateOffset; }
 

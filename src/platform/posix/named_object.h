@@ -1,9 +1,8 @@
 // Named kernel objects of the POSIX layer (mutex, event, file mapping). Mutexes, events
-// and mappings share one namespace per user: "Local\NAME" is the file
-// /dev/shm/ovosystem.u<UID>.NAME, mode 0600 and owned by that user ("Global\NAME" is
-// /dev/shm/ovosystem.g.NAME, for every user), with NAME encoded so that no byte of it
-// leaves that directory. A file that is not a regular file, or in a user's scope not that
-// user's own (made first by somebody else), is refused with ERROR_ACCESS_DENIED. A file
+// and mappings share one namespace: each object is a file of its scope's directory
+// (object_directory.h), "Local\" names the user's own, mode 0600. A file that is not a
+// regular file, or in a user's scope not that user's own (made first by somebody else), is
+// refused with ERROR_ACCESS_DENIED and left alone; no file is opened through a link. A file
 // holds one page of header and the object's state, and a mapping's bytes after it.
 //
 // Liveness comes from the kernel, not from a count a crash could leave behind: every open
@@ -14,15 +13,19 @@
 // that finds a file left by processes that died starts a fresh object in it. The handles
 // of one process on one object share one NamedObject: one descriptor, one mapping. Files
 // that every holder left by dying are inert; each fresh create sweeps a few of them away.
+// A child made by fork shares its parent's open files, and so their locks: it owns none of
+// the objects that it inherited, and their copies end without a lock or the file touched.
 #ifndef OVO_SRC_PLATFORM_POSIX_NAMED_OBJECT_H
 #define OVO_SRC_PLATFORM_POSIX_NAMED_OBJECT_H
 
 #include "platform/posix/handle.h"
+#include "platform/posix/object_directory.h"
 #include "platform/posix/security.h"
 
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 namespace ovo {
@@ -30,22 +33,18 @@ namespace posix {
 
 enum class ObjectKind : std::uint32_t { mutex = 1, event = 2, mapping = 3 };
 
-// The file name of an object name, or empty with the Win32 code of a name that Windows
-// refuses as well: nothing after the prefix (ERROR_INVALID_NAME), a further backslash
-// (ERROR_PATH_NOT_FOUND), more than MAX_PATH characters (ERROR_FILENAME_EXCED_RANGE).
-std::string objectPath(const char* name, DWORD& error);
-
-// One file of this user's namespace.
+// One file of this user's "Local\\" directory.
 struct ObjectFile {
-    std::string name; // after "Local\" (a hashed long name as its file has it)
+    std::string name;   // after "Local\\" (a hashed long name as its file has it)
     std::uint32_t kind; // an ObjectKind, 0 when the file is not an object's
     bool live; // some handle holds it, or it is being opened or closed right now
     std::uint64_t dataSize;
+    bool taken; // no object of this user's: a link, a FIFO, a directory, another user's file
 };
 std::vector<ObjectFile> userObjects();
-// Removes files of this user's namespace that no handle holds, looking at no more than
-// `limit` files; gives how many went.
-unsigned removeStaleObjects(unsigned limit);
+// Removes the files of this user's "Local\\" directory that no handle holds; gives how many
+// went.
+unsigned removeStaleObjects();
 
 class NamedObject {
 public:
@@ -74,18 +73,25 @@ public:
     // thread's list of robust mutexes may point into it. Gives the page.
     void* keepMappedAfterClose();
     static void unmapKept(void* header);
+    // Whether this process made this handle's object, not a parent that forked it.
+    bool ownedHere() const;
 
 private:
-    NamedObject(int fd, std::string path, void* header) : fd_(fd), path_(std::move(path)), header_(header) {}
+    NamedObject(int fd, std::shared_ptr<const ObjectDirectory> directory, std::string fileName, void* header)
+        : fd_(fd), directory_(std::move(directory)), fileName_(std::move(fileName)), header_(header)
+    {
+    }
 
     static std::shared_ptr<NamedObject> acquire(ObjectKind kind, const char* name, const SECURITY_ATTRIBUTES* security,
                                                 DWORD desiredAccess, std::uint64_t dataSize, Initializer initialize,
                                                 bool create, bool& existed);
 
     int fd_;
-    std::string path_;
+    std::shared_ptr<const ObjectDirectory> directory_; // holds the file
+    std::string fileName_;
     void* header_;
     bool keepMapped_ = false;
+    const pid_t owner_ = getpid();
 };
 
 // A handle to a new Object (a KernelObject made of the named object and the handle's

@@ -2,8 +2,6 @@
 
 #include "platform/posix/named_object.h"
 
-#include <limits>
-
 namespace ovo {
 namespace ipc {
 namespace {
@@ -27,11 +25,12 @@ std::vector<ListedObject> namedObjects()
 {
     std::vector<ListedObject> objects;
     for (const posix::ObjectFile& file : posix::userObjects())
-        objects.push_back(ListedObject{file.name, kindName(file.kind), file.live, file.dataSize});
+        objects.push_back(
+            ListedObject{file.name, file.taken ? "taken" : kindName(file.kind), file.live, file.dataSize});
     return objects;
 }
 
-unsigned removeStaleNamedObjects() { return posix::removeStaleObjects(std::numeric_limits<unsigned>::max()); }
+unsigned removeStaleNamedObjects() { return posix::removeStaleObjects(); }
 
 } // namespace ipc
 } // namespace ovo

@@ -139,7 +139,8 @@ public:
                 return WAIT_OBJECT_0;
             state_->abandoned = 0;
             return WAIT_ABANDONED;
-        case EOWNERDEAD:
+        case EOWNERDEAD: // one abandonment, also of a closer killed between its flag and its unlock
+            state_->abandoned = 0;
             pthread_mutex_consistent(mutex_);
             return WAIT_ABANDONED;
         case EBUSY:

@@ -1,5 +1,6 @@
 #include "platform/posix/system_calls.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
 #include <unistd.h>
@@ -9,11 +10,18 @@ namespace posix {
 namespace sys {
 
 int open(const char* path, int flags, mode_t mode) { return ::open(path, flags, mode); }
+int openat(int directory, const char* path, int flags, mode_t mode) { return ::openat(directory, path, flags, mode); }
 ssize_t read(int fd, void* buffer, size_t size) { return ::read(fd, buffer, size); }
 ssize_t write(int fd, const void* buffer, size_t size) { return ::write(fd, buffer, size); }
 int ftruncate(int fd, off_t size) { return ::ftruncate(fd, size); }
 int rename(const char* from, const char* to) { return ::rename(from, to); }
 int fsync(int fd) { return ::fsync(fd); }
+int fallocate(int fd, off_t size)
+{
+    const int error = posix_fallocate(fd, 0, size);
+    errno = error;
+    return error == 0 ? 0 : -1;
+}
 
 } // namespace sys
 } // namespace posix

@@ -12,11 +12,14 @@ namespace posix {
 namespace sys {
 
 int open(const char* path, int flags, mode_t mode = 0);
+int openat(int directory, const char* path, int flags, mode_t mode = 0);
 ssize_t read(int fd, void* buffer, size_t size);
 ssize_t write(int fd, const void* buffer, size_t size);
 int ftruncate(int fd, off_t size);
 int rename(const char* from, const char* to);
 int fsync(int fd);
+// Reserves the file's blocks up to `size` (posix_fallocate), -1 with errno set when it cannot.
+int fallocate(int fd, off_t size);
 
 } // namespace sys
 } // namespace posix
