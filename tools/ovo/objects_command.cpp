@@ -13,8 +13,9 @@ namespace {
 const char objectsHelp[] =
     "usage: ovo objects [OPTIONS] [clean]\n"
     "Lists this user's named objects (mutexes, events, shared memory; a channel NAME is\n"
-    "NAME_data and NAME_lock): live while some process holds them, stale when every holder\n"
-    "was killed. clean removes the stale ones (creating an object removes a few as well).\n"
+    "NAME_data, NAME_lock and NAME_journal): live while some process holds them, stale when\n"
+    "every holder was killed. clean removes the stale ones (creating an object removes a few\n"
+    "as well).\n"
     "examples: ovo objects\n"
     "          ovo objects clean\n";
 
