@@ -42,6 +42,8 @@ SystemMutex::~SystemMutex() { delete impl_; }
 
 void SystemMutex::lock() { WaitForSingleObject(impl_->handle, INFINITE); }
 
+bool SystemMutex::lockReportingAbandonment() { return WaitForSingleObject(impl_->handle, INFINITE) == WAIT_ABANDONED; }
+
 bool SystemMutex::tryLock(long milliseconds)
 {
     const DWORD result = WaitForSingleObject(impl_->handle, static_cast<DWORD>(milliseconds));

@@ -1,11 +1,15 @@
 // The other process of the inter-process tests. A command with READY and RELEASE files
 // takes its objects, leaves READY as its sign that it got so far, and waits for RELEASE
 // ("-": for the kill that ends it); its exit status is its answer.
+#include "ipc/channel_ledger.h"
 #include "ipc/ipc_test.h"
 
+#include <ovo/logger/logger.h>
 #include <ovo/number_parser.h>
 
+#include <cstdlib>
 #include <iostream>
+#include <random>
 
 namespace {
 
@@ -21,6 +25,66 @@ void standBy(const std::string& ready, const std::string& text, const std::strin
 }
 
 unsigned number(const std::string& text) { return static_cast<unsigned>(ovo::NumberParser::parseUInt32(text)); }
+
+// Adds up what the channel's repair lines say was dropped ("...; N dropped, ...").
+class LedgerLogChannel : public ovo::logger::AbstractLogChannel {
+public:
+    explicit LedgerLogChannel(ovo_test::Ledger& ledger) : ledger_(ledger) {}
+    void write(const std::string&, const std::string& message) override
+    {
+        const std::size_t numbers = message.rfind("; ");
+        if (numbers != std::string::npos)
+            ledger_.loggedDrops += static_cast<std::uint32_t>(std::strtoul(message.c_str() + numbers + 2, nullptr, 10));
+    }
+
+private:
+    ovo_test::Ledger& ledger_;
+};
+
+// A sender or receiver of the channel kill test, in slot SLOT of the ledger, until the
+// ledger says stop. A sender's messages take a random size class; a receiver asks for a
+// random class, or for the oldest message of all in that class's size.
+int ledgerPeer(bool sender, const std::string& channelName, const std::string& ledgerName, unsigned slot)
+{
+    using namespace ovo_test;
+    ovo::ipc::SharedMemory book(ledgerName, sizeof(Ledger));
+    Ledger& ledger = *static_cast<Ledger*>(book.begin());
+    ovo::logger::add("ovo.ipc.channel", std::make_shared<LedgerLogChannel>(ledger));
+    ovo::ipc::MessageChannel channel(channelName, ledgerChannelSize);
+    LedgerSlot& mine = ledger.slots[slot];
+    std::mt19937 random(slot);
+    std::vector<unsigned char> body(maxBody);
+    mine.running = 1;
+    while (!ledger.stop) {
+        const unsigned id = 1 + random() % classCount;
+        if (sender) {
+            if (ledger.receipts >= maxReceipts / 2) { // enough for one row
+                std::this_thread::yield();
+                continue;
+            }
+            writeBody(body.data(), bodySize(id), {slot, mine.committed});
+            bool sent = false;
+            while (!(sent = channel.send(id, body.data(), bodySize(id))) && !ledger.stop)
+                std::this_thread::yield();
+            mine.committed += sent ? 1 : 0;
+            continue;
+        }
+        if (!channel.recv(random() % 4 == 0 ? 0 : id, mine.body, bodySize(id))) {
+            std::this_thread::yield();
+            continue;
+        }
+        Identity taken;
+        if (!bodyIsIntact(mine.body, bodySize(id), taken)) {
+            ++ledger.corrupt;
+            continue;
+        }
+        Receipt& receipt = ledger.receipt[ledger.receipts++];
+        receipt.slot = taken.first;
+        receipt.sequence = taken.second;
+        receipt.valid = 1;
+    }
+    return 0;
+}
 
 int run(const Args& a)
 {
@@ -80,6 +144,8 @@ int run(const Args& a)
         }
         return 0;
     }
+    if (command == "ledger-sender" || command == "ledger-receiver") // CHANNEL LEDGER SLOT
+        return ledgerPeer(command == "ledger-sender", a.at(1), a.at(2), number(a.at(3)));
     return 2;
 }
 

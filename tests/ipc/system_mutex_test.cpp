@@ -36,11 +36,12 @@ TEST_F(SystemMutexTest, ProcessesExcludeEachOtherWhicheverComesFirst)
 
 // A holder that was killed, or that let go of its last object of a held mutex, stops nobody:
 // with no other holder the name is fresh at once; a process that held it too is told once
-// that it was abandoned (tryLock answers false and holds nothing), and lock takes it.
+// that it was abandoned (tryLock answers false and holds nothing, lockReportingAbandonment
+// true and holds it), and lock takes it.
 TEST_F(SystemMutexTest, AHolderThatDiesOrDropsAHeldMutexStopsNobody)
 {
     for (const std::string how : {"kill", "drop"})
-        for (const std::string held : {"alone", "try", "lock"}) {
+        for (const std::string held : {"alone", "try", "lock", "report"}) {
 #if defined(_WIN32)
             if (how == "drop" && held != "alone")
                 break; // Windows gives the mutex up when the owning thread ends, not before
@@ -54,13 +55,19 @@ TEST_F(SystemMutexTest, AHolderThatDiesOrDropsAHeldMutexStopsNobody)
                 holder.kill();
             SystemMutex mutex(tag);
             const auto start = Clock::now();
-            const bool granted = held == "lock" ? (mutex.lock(), true) : mutex.tryLock(1500);
+            const bool granted = held == "lock"     ? (mutex.lock(), true)
+                                 : held == "report" ? mutex.lockReportingAbandonment()
+                                                    : mutex.tryLock(1500);
             EXPECT_LT(msSince(start), 500) << tag;
             if (!granted) { // told once: held by nobody, and the next try takes it
                 EXPECT_TRUE(held == "try" && tryInPeer(tag, "0") == 0 && mutex.tryLock(0)) << tag;
             }
             EXPECT_EQ(granted, held != "try") << tag;
             mutex.unlock();
+            if (held == "report") { // told once
+                EXPECT_FALSE(mutex.lockReportingAbandonment()) << tag;
+                mutex.unlock();
+            }
             release(tag + "-exit");
             EXPECT_TRUE(how == "kill" || holder.wait() == 0) << tag;
         }

@@ -98,6 +98,7 @@ int channelCommand(const std::vector<std::string>& args)
         count > 2 ? static_cast<unsigned int>(number("a message identifier", words[2], action == "send" ? 1 : 0, 0xFFFFFFFF)) : 0;
     Bytes body = action != "send" ? Bytes() : textGiven ? Bytes(text.begin(), text.end()) : parseHex(words[3]);
     ovo::logger::ILogger& log = setUpLogging(line, "ovo.channel");
+    setUpLogging(line, "ovo.ipc.channel"); // the channel's repairs after a peer died inside a removal
     const std::unique_ptr<MessageChannel> channel = join(words[0], static_cast<unsigned int>(size));
     if (action == "send") {
         if (!channel->send(id, body.data(), static_cast<unsigned int>(body.size())))

@@ -12,10 +12,10 @@ namespace {
 
 const char objectsHelp[] = "usage: ovo objects [OPTIONS] [clean]\n"
                            "Lists this user's named objects (mutexes, events, shared memory; a channel NAME is\n"
-                           "NAME_data and NAME_lock): live while some process holds them, stale when every holder\n"
-                           "was killed, taken when another user made a file of the name first (possible only\n"
-                           "without a login session, in /dev/shm). clean removes the stale ones (creating an\n"
-                           "object removes a few as well).\n"
+                           "NAME_data, NAME_lock and NAME_journal): live while some process holds them, stale\n"
+                           "when every holder was killed, taken when another user made a file of the name first\n"
+                           "(possible only without a login session, in /dev/shm). clean removes the stale ones\n"
+                           "(creating an object removes a few as well).\n"
                            "examples: ovo objects\n"
                            "          ovo objects clean\n";
 

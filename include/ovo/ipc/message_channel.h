@@ -25,6 +25,14 @@ namespace ipc {
 ///   offset 0 count; 16 + 16 * i entry i (id, size, offset from the block's start);
 ///   4113 the bodies, oldest first, back to back.
 ///
+/// Taking a message moves the bodies and entries behind it. A process that dies inside
+/// that move (killed, say) leaves a record of how far it got in "<name>_journal", and the
+/// next process to lock the channel is told by the mutex that its holder died: it finishes
+/// the removal, or undoes it when nothing had moved yet. No process ever receives a torn
+/// body. What such a death may cost is the message being taken and at most the messages
+/// that were moving behind it in one step (16 KiB of bodies, or the size of the message
+/// taken); the repair logs one line, with what it dropped, to the logger "ovo.ipc.channel".
+///
 /// Any thread of any process may call any operation at the same time.
 ///
 /// Each process constructs the channel with the same name and size; a receiver polls

@@ -31,6 +31,12 @@ public:
 
     /// Waits without limit until this thread holds the mutex. Reports nothing.
     void lock();
+    /// Waits without limit until this thread holds the mutex, as lock() does, and tells
+    /// whether the holder before died holding it (or let go of its last object of it): what
+    /// the mutex guards may then be half changed, and this thread is the one to put it right.
+    /// Each abandonment is told once, to the next owner; tryLock() tells it by false.
+    /// @return true when the mutex was abandoned.
+    bool lockReportingAbandonment();
     /// Waits at most `milliseconds`: 0 tests without waiting, -1 waits without limit.
     /// @return true when this thread holds the mutex now; false when the time ran out, the
     ///         wait failed or a dead holder had left the mutex.

@@ -1,0 +1,219 @@
+// The message channel's structure against its peers, in one process and the same run: the
+// queue is kept at a depth of d messages of 64 bytes (1, 16, 64, 256), and each round sends
+// one message and receives the oldest. Peers: Boost.Interprocess's message_queue
+// (try_send, try_receive) and POSIX message queues (non-blocking, up to the depth the
+// system allows). The floor is the channel's own layout and algorithm written bare here,
+// without lock or journal: append behind the last body; to take the oldest, move the
+// bodies behind it, shift the table and fix the offsets.
+//
+// One process, and nothing waits: an iteration is 1000 rounds, timed by the thread's CPU
+// clock (kernel time included), so that the machine's other load stays out of the figures.
+// Microseconds an iteration are nanoseconds a round.
+#include <ovo/ipc/message_channel.h>
+
+#include "ratio_report.h"
+
+#include <benchmark/benchmark.h>
+#include <boost/interprocess/ipc/message_queue.hpp>
+
+#include <fcntl.h>
+#include <mqueue.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstring>
+#include <ctime>
+#include <fstream>
+#include <string>
+
+namespace {
+
+namespace bip = boost::interprocess;
+
+const unsigned messageSize = 64;
+const int depths[] = {1, 16, 64, 256};
+
+std::string uniqueName(const char* what) { return std::string("ovobench-") + what + "-" + std::to_string(getpid()); }
+unsigned depthOf(const benchmark::State& state) { return static_cast<unsigned>(state.range(0)); }
+
+double threadSeconds()
+{
+    timespec now;
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+}
+
+// Runs `round` 1000 times an iteration, timed by the thread's CPU clock; false from it
+// stops the benchmark with an error.
+template <typename Round> void timeRounds(benchmark::State& state, Round round)
+{
+    for (auto _ : state) {
+        const double start = threadSeconds();
+        for (int i = 0; i < 1000; ++i)
+            if (!round()) {
+                state.SkipWithError("the queue refused a message");
+                return;
+            }
+        state.SetIterationTime(threadSeconds() - start);
+    }
+}
+
+void channelAtDepth(benchmark::State& state)
+{
+    ovo::ipc::MessageChannel channel(uniqueName("channel"), ovo::ipc::MessageChannel::minimumSize + 256 * messageSize);
+    unsigned char body[messageSize] = {};
+    for (unsigned i = 1; i < depthOf(state); ++i)
+        channel.send(1, body, messageSize);
+    timeRounds(state, [&] { return channel.send(1, body, messageSize) && channel.recv(0, body, messageSize); });
+}
+
+void boostAtDepth(benchmark::State& state)
+{
+    const std::string name = uniqueName("boostq");
+    bip::message_queue::remove(name.c_str());
+    {
+        bip::message_queue queue(bip::create_only, name.c_str(), depthOf(state), messageSize);
+        unsigned char body[messageSize] = {};
+        bip::message_queue::size_type received;
+        unsigned int priority;
+        for (unsigned i = 1; i < depthOf(state); ++i)
+            queue.try_send(body, messageSize, 0);
+        timeRounds(state, [&] {
+            return queue.try_send(body, messageSize, 0) && queue.try_receive(body, messageSize, received, priority);
+        });
+    }
+    bip::message_queue::remove(name.c_str());
+}
+
+// The system caps a queue's depth (/proc/sys/fs/mqueue/msg_max) unless the process may
+// exceed it; a depth beyond the cap is skipped with the cap named.
+void posixAtDepth(benchmark::State& state)
+{
+    const std::string name = "/" + uniqueName("mq");
+    mq_attr attributes = {};
+    attributes.mq_maxmsg = depthOf(state);
+    attributes.mq_msgsize = messageSize;
+    const mqd_t queue = mq_open(name.c_str(), O_CREAT | O_RDWR | O_NONBLOCK, 0600, &attributes);
+    if (queue == mqd_t(-1)) {
+        std::string limit = "?";
+        std::ifstream("/proc/sys/fs/mqueue/msg_max") >> limit;
+        state.SkipWithError(("a depth beyond this system's limit of " + limit + " messages").c_str());
+        return;
+    }
+    char body[messageSize] = {};
+    for (unsigned i = 1; i < depthOf(state); ++i)
+        mq_send(queue, body, messageSize, 0);
+    timeRounds(state, [&] {
+        return mq_send(queue, body, messageSize, 0) == 0 && mq_receive(queue, body, messageSize, nullptr) >= 0;
+    });
+    mq_close(queue);
+    mq_unlink(name.c_str());
+}
+
+// The channel's block and its two steps, bare, in a mapping as the channel's is.
+class BareLayout {
+public:
+    BareLayout()
+        : block_(static_cast<unsigned char*>(
+              mmap(nullptr, blockSize, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0)))
+    {
+    }
+    ~BareLayout() { munmap(block_, blockSize); }
+
+    void send(std::uint32_t id, const void* data, std::uint32_t size)
+    {
+        const std::uint32_t n = count();
+        Entry& entry = table()[n];
+        entry = {id, size, n == 0 ? 4113 : table()[n - 1].offset + table()[n - 1].size, 0};
+        std::memcpy(block_ + entry.offset, data, size);
+        count() = n + 1;
+    }
+
+    void receiveOldest(void* data)
+    {
+        Entry* const entries = table();
+        const std::uint32_t n = count(), size = entries[0].size;
+        std::memcpy(data, block_ + entries[0].offset, size);
+        const std::uint32_t end = entries[n - 1].offset + entries[n - 1].size;
+        std::memmove(block_ + entries[0].offset, block_ + entries[0].offset + size, end - entries[0].offset - size);
+        std::memmove(entries, entries + 1, (n - 1) * sizeof(Entry));
+        count() = n - 1;
+        for (std::uint32_t i = 0; i + 1 < n; ++i)
+            entries[i].offset -= size;
+    }
+
+private:
+    struct Entry {
+        std::uint32_t id, size, offset, reserved;
+    };
+    static const std::size_t blockSize = 4113 + 256 * messageSize;
+
+    std::uint32_t& count() { return *reinterpret_cast<std::uint32_t*>(block_); }
+    Entry* table() { return reinterpret_cast<Entry*>(block_ + 16); }
+
+    unsigned char* block_;
+};
+
+void floorAtDepth(benchmark::State& state)
+{
+    BareLayout layout;
+    unsigned char body[messageSize] = {};
+    for (unsigned i = 1; i < depthOf(state); ++i)
+        layout.send(1, body, messageSize);
+    timeRounds(state, [&] {
+        layout.send(1, body, messageSize);
+        layout.receiveOldest(body);
+        benchmark::DoNotOptimize(body);
+        return true;
+    });
+}
+
+BENCHMARK(channelAtDepth)
+    ->ArgName("depth")
+    ->Arg(1)
+    ->Arg(16)
+    ->Arg(64)
+    ->Arg(256)
+    ->UseManualTime()
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(boostAtDepth)
+    ->ArgName("depth")
+    ->Arg(1)
+    ->Arg(16)
+    ->Arg(64)
+    ->Arg(256)
+    ->UseManualTime()
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(posixAtDepth)
+    ->ArgName("depth")
+    ->Arg(1)
+    ->Arg(16)
+    ->Arg(64)
+    ->Arg(256)
+    ->UseManualTime()
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(floorAtDepth)
+    ->ArgName("depth")
+    ->Arg(1)
+    ->Arg(16)
+    ->Arg(64)
+    ->Arg(256)
+    ->UseManualTime()
+    ->Unit(benchmark::kMicrosecond);
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    // Up to depth 64 at most Boost's time; at 256, where a receive moves 255 bodies and
+    // entries, at most 1.3 times the bare layout's.
+    std::vector<ovo_bench::Comparison> comparisons;
+    for (int depth : depths) {
+        const std::string at = "AtDepth/depth:" + std::to_string(depth) + "/manual_time";
+        comparisons.push_back({"channel" + at, "boost" + at, depth <= 64 ? 1.0 : 0});
+        comparisons.push_back({"channel" + at, "posix" + at, 0});
+        comparisons.push_back({"channel" + at, "floor" + at, depth == 256 ? 1.3 : 0});
+    }
+    return ovo_bench::runAndCompare(argc, argv, comparisons);
+}
