@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+
 #if !defined(_WIN32)
 #include <sys/stat.h>
 #endif
@@ -134,6 +136,26 @@ TEST_F(RegistryStoreTest, TwoProcessesShareAKeyWithoutTornOrLostValues)
     EXPECT_TRUE(isAPeersText(store.queryStringValue("text", "")));
     store.setStringValue("after", "taken");
     EXPECT_EQ(store.queryStringValue("after", ""), "taken");
+}
+
+// A peer sets a text of 5 bytes, then one of 4000, then removes it, while this process reads it 20,000 times and
+// until 2,000 reads found a text: each read gives a text that was written or the default, never bytes nobody wrote.
+TEST_F(RegistryStoreTest, QueriesRacingChangesGiveAWrittenValueOrTheDefault)
+{
+    ChildProcess writer("registry_peer", {key("Key"), "0", file("written"), "sizes"});
+    ASSERT_TRUE(ovo_test::waitForFile(file("written")));
+    std::map<std::string, int> reads;
+    for (int n = 0; n < 20000 || (reads["short"] + reads["4000 B"] < 2000 && n < 2000000); ++n) {
+        const std::string text = store.queryStringValue("text", "default");
+        ++reads[text == "short" || text == "default" ? text
+                : text == std::string(4000, 'B')     ? "4000 B"
+                                                     : "torn " + text];
+    }
+    writer.kill();
+    EXPECT_GE(reads["short"] + reads["4000 B"], 2000) << "the peer hardly ran";
+    for (const char* written : {"short", "4000 B", "default"})
+        reads.erase(written);
+    EXPECT_EQ(reads, (std::map<std::string, int>{}));
 }
 
 } // namespace
