@@ -15,6 +15,7 @@
 
 #if !defined(_WIN32)
 #include <sys/stat.h>
+#include <unistd.h>
 #endif
 
 using namespace ovo::logger;
@@ -157,3 +158,40 @@ TEST_F(FileLogChannelTest, ThreadsAndProcessesNeverTearOrLoseALine)
     }
     EXPECT_EQ(seen.size(), 18000u);
 }
+
+#if !defined(_WIN32)
+// In a directory that others may write, a link is followed only when the writer or the directory's owner made it,
+// whatever the system's own setting: another user's link, also at the end of a chain, costs the message and leaves
+// its target untouched.
+TEST_F(FileLogChannelTest, ALinkThatAnotherUserPlantedIsNeverFollowed)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root may make a link of another user";
+    const uid_t nobody = 65534;
+    const struct {
+        const char* name;
+        mode_t mode;
+        uid_t directoryOwner, linkOwner;
+        bool chain, followed;
+    } cases[] = {{"sticky", 01777, 0, nobody, false, false},
+                 {"group", 0770, 0, nobody, false, false},
+                 {"chain", 01777, 0, nobody, true, false},
+                 {"own link", 01777, 0, 0, false, true},
+                 {"owner's link", 01777, nobody, nobody, false, true},
+                 {"private", 0755, 0, nobody, false, true}};
+    for (const auto& c : cases) {
+        const fs::path directory = dir.path() / c.name, target = dir.path() / (std::string(c.name) + ".target");
+        fs::create_directory(directory);
+        ASSERT_EQ(::chmod(directory.c_str(), c.mode) | ::chown(directory.c_str(), c.directoryOwner, 0), 0);
+        std::ofstream(target) << "secret\n";
+        const fs::path link = directory / todaysLogFile("l"), hop = directory / "hop";
+        fs::create_symlink(c.chain ? hop : target, link);
+        if (c.chain)
+            fs::create_symlink(target, hop);
+        ASSERT_EQ(::lchown((c.chain ? hop : link).c_str(), c.linkOwner, 0), 0);
+        channel("l", nullptr, directory.string())->write("n", "m");
+        EXPECT_EQ(readFile(target), c.followed ? "secret\n[m]\n" : "secret\n") << c.name;
+        EXPECT_TRUE(fs::is_symlink(link)) << c.name;
+    }
+}
+#endif

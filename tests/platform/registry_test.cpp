@@ -112,6 +112,52 @@ TEST_F(RegistryStoreTest, NamesStayInsideTheStore)
     unsetenv("XDG_CONFIG_DIRS");
     EXPECT_TRUE(std::filesystem::is_directory(machine.path() / "ovosystem/registry/software/where"));
 }
+
+// In a key directory that others may write, a value or key that is another user's link is none: nothing is read
+// from its target, a set replaces the link itself, a key through it neither opens nor is made. Links of the
+// reader and of the directory's owner are followed.
+TEST_F(RegistryStoreTest, ALinkThatAnotherUserPlantedIsNeverFollowed)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root may make a link of another user";
+    const auto keyDirectory = config.path() / "ovosystem/registry/software/ovotest/key";
+    registry source(HKEY_CURRENT_USER, base);
+    ASSERT_TRUE(source.createAndOpen("Source", allAccess));
+    source.setStringValue("value", "elsewhere");
+    const auto sourceDirectory = keyDirectory.parent_path() / "source";
+    const struct {
+        const char* name;
+        mode_t mode;
+        uid_t directoryOwner, linkOwner;
+        bool followed;
+    } cases[] = {{"sticky", 01777, 0, 65534, false},
+                 {"group", 0770, 0, 65534, false},
+                 {"own link", 01777, 0, 0, true},
+                 {"owner's link", 01777, 65534, 65534, true},
+                 {"private", 0700, 0, 65534, true}};
+    for (const auto& c : cases) {
+        ASSERT_EQ(::chmod(keyDirectory.c_str(), c.mode) | ::chown(keyDirectory.c_str(), c.directoryOwner, 0), 0);
+        const auto plant = [&](const std::filesystem::path& link, const std::filesystem::path& target) {
+            std::filesystem::remove(link);
+            std::filesystem::create_symlink(target, link);
+            return ::lchown(link.c_str(), c.linkOwner, 0);
+        };
+        ASSERT_EQ(plant(keyDirectory / "%vlinked", sourceDirectory / "%vvalue"), 0);
+        EXPECT_EQ(store.queryStringValue("linked", "none"), c.followed ? "elsewhere" : "none") << c.name;
+        ASSERT_EQ(plant(keyDirectory / "sub", sourceDirectory), 0);
+        registry sub(HKEY_CURRENT_USER, key("Key"));
+        EXPECT_EQ(sub.open("Sub", allAccess), c.followed) << c.name;
+        sub.close();
+        EXPECT_EQ(sub.createAndOpen("Sub", allAccess), c.followed) << c.name;
+        sub.setStringValue("value", "through the link");
+        EXPECT_EQ(source.queryStringValue("value", ""), c.followed ? "through the link" : "elsewhere") << c.name;
+        source.setStringValue("value", "elsewhere");
+    }
+    store.setStringValue("linked", "replaced"); // the link itself, not its target
+    EXPECT_EQ(store.queryStringValue("linked", ""), "replaced");
+    EXPECT_EQ(source.queryStringValue("value", ""), "elsewhere");
+    EXPECT_FALSE(std::filesystem::is_symlink(keyDirectory / "%vlinked"));
+}
 #endif
 
 // Another process replaces a 4000-byte text 300 times while this one reads it and writes its own values, beside

@@ -1,5 +1,6 @@
 #include "platform/posix/files.h"
 #include "platform/posix/file_object.h"
+#include "platform/posix/foreign_links.h"
 #include "platform/posix/system_calls.h"
 
 #include <algorithm>
@@ -156,7 +157,7 @@ HANDLE CreateFileA(LPCSTR fileName, DWORD desiredAccess, DWORD shareMode, LPSECU
         flags = (flags & ~O_CREAT) | O_NOCTTY; // a device is never made here
     int descriptor;
     do
-        descriptor = sys::open(path.c_str(), flags, 0666);
+        descriptor = ovo::posix::openWithoutForeignLinks(AT_FDCWD, path.c_str(), flags, 0666);
     while (descriptor < 0 && errno == EINTR);
     if (descriptor < 0 && errno == ENOENT) {
         SetLastError(ovo::posix::missingFileCode(path));
