@@ -14,7 +14,10 @@
 #include <sstream>
 
 #if !defined(_WIN32)
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 #endif
 
@@ -193,5 +196,42 @@ TEST_F(FileLogChannelTest, ALinkThatAnotherUserPlantedIsNeverFollowed)
         EXPECT_EQ(readFile(target), c.followed ? "secret\n[m]\n" : "secret\n") << c.name;
         EXPECT_TRUE(fs::is_symlink(link)) << c.name;
     }
+}
+
+// On a full file system a message is whole in the file or not there at all. The file system is a small one of a
+// mount namespace of the writer's own, which nobody else sees and which goes with it.
+TEST_F(FileLogChannelTest, AFullDiskKeepsEachMessageWholeOrNotAtAll)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root may mount a small file system";
+    const fs::path small = dir.path() / "small", copy = dir.path() / "copy";
+    fs::create_directory(small);
+    const std::string body(990, '.');
+    const pid_t writer = ::fork();
+    if (writer == 0) {
+        if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            ::mount("tmpfs", small.c_str(), "tmpfs", 0, "size=16k") != 0)
+            ::_exit(3);
+        auto logging = channel("full", "# header\n", small.string());
+        for (int i = 0; i < 40; ++i)
+            logging->write("n", std::to_string(i) + " " + body);
+        std::ofstream(copy, std::ios::binary) << readFile(small / todaysLogFile("full"));
+        ::_exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(writer, &status, 0), writer);
+    if (WIFEXITED(status) && WEXITSTATUS(status) == 3)
+        GTEST_SKIP() << "no mount namespace of its own here";
+    ASSERT_EQ(status, 0);
+    const std::string content = readFile(copy);
+    EXPECT_EQ(content.empty() ? ' ' : content.back(), '\n') << "a partial last line";
+    std::istringstream lines(content);
+    std::string line;
+    ASSERT_TRUE(std::getline(lines, line));
+    EXPECT_EQ(line, "# header");
+    int count = 0;
+    for (; std::getline(lines, line); ++count)
+        EXPECT_EQ(line, "[" + std::to_string(count) + " " + body + "]") << "line " << count;
+    EXPECT_GT(count, 10);
 }
 #endif

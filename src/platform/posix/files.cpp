@@ -208,6 +208,20 @@ DWORD SetFilePointer(HANDLE file, LONG distance, PLONG distanceHigh, DWORD moveM
     return static_cast<DWORD>(position);
 }
 
+BOOL SetEndOfFile(HANDLE file)
+{
+    FileObject* const object = objectOf<FileObject>(file);
+    if (object == nullptr)
+        return FALSE;
+    const off_t position = ::lseek(object->descriptor, 0, SEEK_CUR);
+    if (position < 0 || sys::ftruncate(object->descriptor, position) != 0) {
+        setLastErrorFromErrno(errno);
+        return FALSE;
+    }
+    SetLastError(ERROR_SUCCESS);
+    return TRUE;
+}
+
 DWORD GetFileSize(HANDLE file, LPDWORD sizeHigh)
 {
     FileObject* const object = objectOf<FileObject>(file);
