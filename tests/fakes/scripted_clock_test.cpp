@@ -68,3 +68,26 @@ TEST_F(InUtc, TheFileNameIsReadBeforeTheStamp)
     EXPECT_EQ(ovo_test::readFile(dir.path() / "2026-11-20-midnight.log"),
               "00:00:00.001 [clock           ] first of the day\n");
 }
+
+// The year in full and the month counted from 1, also for years of other than four digits.
+TEST_F(InUtc, FileNamesOfChosenDays)
+{
+    ovo_test::TempDir dir;
+    FileLogChannel channel(dir.string(), "day");
+    channel.setFormatter(std::make_shared<SimpleFormatter>());
+    const struct {
+        std::int64_t seconds;
+        const char* name;
+    } cases[] = {
+        {1767571200LL, "2026-01-05-day.log"},
+#if !defined(_WIN32) // Windows converts the years 1970 to 3000 only
+        {253402300800LL, "10000-01-01-day.log"},
+        {-30610267200LL, "0999-12-31-day.log"},
+#endif
+    };
+    for (const auto& c : cases) {
+        ovo_fake::scriptClock({c.seconds * second});
+        channel.write("clock", "m");
+        EXPECT_TRUE(std::filesystem::exists(dir.path() / c.name)) << c.name;
+    }
+}
