@@ -69,25 +69,14 @@ TEST_F(InUtc, TheFileNameIsReadBeforeTheStamp)
               "00:00:00.001 [clock           ] first of the day\n");
 }
 
-// The year in full and the month counted from 1, also for years of other than four digits.
-TEST_F(InUtc, FileNamesOfChosenDays)
+#if !defined(_WIN32) // Windows converts the years 1970 to 3000 only
+TEST_F(InUtc, AYearOfFiveDigitsIsWrittenInFull)
 {
     ovo_test::TempDir dir;
-    FileLogChannel channel(dir.string(), "day");
+    FileLogChannel channel(dir.string(), "");
     channel.setFormatter(std::make_shared<SimpleFormatter>());
-    const struct {
-        std::int64_t seconds;
-        const char* name;
-    } cases[] = {
-        {1767571200LL, "2026-01-05-day.log"},
-#if !defined(_WIN32) // Windows converts the years 1970 to 3000 only
-        {253402300800LL, "10000-01-01-day.log"},
-        {-30610267200LL, "0999-12-31-day.log"},
-#endif
-    };
-    for (const auto& c : cases) {
-        ovo_fake::scriptClock({c.seconds * second});
-        channel.write("clock", "m");
-        EXPECT_TRUE(std::filesystem::exists(dir.path() / c.name)) << c.name;
-    }
+    ovo_fake::scriptClock({253402300800LL * second});
+    channel.write("clock", "m");
+    EXPECT_TRUE(std::filesystem::exists(dir.path() / "10000-01-01.log"));
 }
+#endif
