@@ -192,14 +192,13 @@ LONG openDirectories(int from, const std::vector<std::string>& names, bool creat
         if (directory < 0)
             break;
         int next = openDirectory(directory, name.c_str());
-        error = errno;
-        if (next < 0 && error == ENOENT && create) {
+        if (next < 0 && errno == ENOENT && create) {
             const bool made = mkdirat(directory, name.c_str(), mode) == 0;
             created = created || made;
-            error = made || errno == EEXIST ? 0 : errno;
-            next = error == 0 ? openDirectory(directory, name.c_str()) : -1;
-            error = next < 0 && error == 0 ? errno : error;
+            if (made || errno == EEXIST)
+                next = openDirectory(directory, name.c_str());
         }
+        error = errno; // why the last one failed, if it did
         close(directory);
         directory = next;
     }
