@@ -288,19 +288,66 @@ bool readWhole(int fd, iovec* parts, int count)
     return true;
 }
 
+// The value file that answered ERROR_MORE_DATA, kept open for the thread's next call: the
+// reader asks again at once with the room it was told (queryStringValue does), and so
+// reads the very version whose size it was told, without a second open. A change or close
+// of a key by the thread lets it go.
+class HeldValue {
+public:
+    ~HeldValue() { release(); }
+    void hold(const Key& key, const std::string& file, int fd, const struct stat& status)
+    {
+        release();
+        key_ = key;
+        file_ = file;
+        fd_ = fd;
+        status_ = status;
+    }
+    // The descriptor and status held for this value, or -1; nothing is held afterwards.
+    int take(const Key& key, const std::string& file, struct stat& status)
+    {
+        const int fd = key == key_ && file == file_ ? fd_ : -1;
+        if (fd >= 0) {
+            status = status_;
+            fd_ = -1;
+        }
+        release();
+        return fd;
+    }
+    void release()
+    {
+        if (fd_ >= 0)
+            close(fd_);
+        fd_ = -1;
+        key_.reset();
+    }
+
+private:
+    Key key_;
+    std::string file_;
+    int fd_ = -1;
+    struct stat status_;
+};
+
+thread_local HeldValue heldValue;
+
 // A key's value: its type and size from the header, its data when asked for, with the
-// header in one read. Data that does not fit is not read at all: the size it needs is the
-// whole answer (ERROR_MORE_DATA), as the caller asks again with that room.
+// header in one read. Data that does not fit is not read: the size it needs is the answer
+// (ERROR_MORE_DATA), and the file is held for the call that asks again with that room.
 LONG readValue(const Key& key, const std::string& file, LPDWORD type, LPBYTE data, LPDWORD size)
 {
-    const int fd = openValue(key, file);
-    if (fd < 0)
-        return missingOr(errno);
     struct stat status;
+    int fd = heldValue.take(key, file, status);
+    const bool held = fd >= 0;
+    if (!held && (fd = openValue(key, file)) < 0)
+        return missingOr(errno);
+    if (!held && fstat(fd, &status) != 0) {
+        const int error = errno;
+        close(fd);
+        return errorOf(error);
+    }
     LONG result = ERROR_SUCCESS;
-    if (fstat(fd, &status) != 0) {
-        result = errorOf(errno);
-    } else if (!S_ISREG(status.st_mode) || static_cast<std::size_t>(status.st_size) < headerSize) {
+    if (!S_ISREG(status.st_mode) || static_cast<std::size_t>(status.st_size) < headerSize) {
         result = ERROR_FILE_NOT_FOUND; // only a regular file can be a value
     } else {
         const DWORD length = static_cast<DWORD>(status.st_size - static_cast<off_t>(headerSize));
@@ -318,7 +365,10 @@ LONG readValue(const Key& key, const std::string& file, LPDWORD type, LPBYTE dat
         if (size != nullptr && (result == ERROR_SUCCESS || result == ERROR_MORE_DATA))
             *size = length;
     }
-    close(fd);
+    if (result == ERROR_MORE_DATA)
+        heldValue.hold(key, file, fd, status);
+    else
+        close(fd);
     return result;
 }
 
@@ -360,6 +410,7 @@ template <typename Change> LONG changeValue(HKEY handle, LPCSTR name, Change cha
         return result;
     if ((key->access & KEY_SET_VALUE) == 0)
         return ERROR_ACCESS_DENIED;
+    heldValue.release(); // the thread reads what it wrote
     const int lock = openat(key->directory, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (lock < 0)
         return missingOr(errno);
@@ -423,6 +474,7 @@ LONG RegCloseKey(HKEY key)
 {
     if (key == HKEY_CURRENT_USER || key == HKEY_LOCAL_MACHINE)
         return ERROR_SUCCESS;
+    heldValue.release();
     return openKeys().remove(key) ? ERROR_SUCCESS : ERROR_INVALID_HANDLE;
 }
 
