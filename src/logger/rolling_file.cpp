@@ -56,7 +56,9 @@ void RollingFile::setHeader(const std::string& header) { header_ = header; }
 void RollingFile::append(const std::string& fileName, const std::string& text)
 {
     std::lock_guard<std::mutex> lock(mutex_);
-    const std::string path = directory_ + platform::pathSeparator + fileName;
+    std::string path;
+    path.reserve(directory_.size() + 1 + fileName.size());
+    path.append(directory_).append(1, platform::pathSeparator).append(fileName);
     HANDLE file = openForAppend(path);
     if (file == INVALID_HANDLE_VALUE)
         return; // this message is lost; the next one tries again

@@ -151,7 +151,8 @@ HANDLE CreateFileA(LPCSTR fileName, DWORD desiredAccess, DWORD shareMode, LPSECU
         SetLastError(ERROR_INVALID_NAME);
         return INVALID_HANDLE_VALUE;
     }
-    std::replace(path.begin(), path.end(), '\\', '/'); // Windows separates by either
+    if (path.find('\\') != std::string::npos)
+        std::replace(path.begin(), path.end(), '\\', '/'); // Windows separates by either
     flags |= O_NONBLOCK; // regular files ignore it; serial ports keep it
     if (device)
         flags = (flags & ~O_CREAT) | O_NOCTTY; // a device is never made here
