@@ -80,7 +80,7 @@ BENCHMARK(spdlogDailyFileSink);
 int main(int argc, char** argv)
 {
     const int status = ovo_bench::runAndCompare(argc, argv,
-                                                {{"fileLogChannelWrite", "systemCallFloor", 1.3},
+                                                {{"fileLogChannelWrite", "systemCallFloor", 1.2},
                                                  {"fileLogChannelWrite", "spdlogDailyFileSink", 0}});
     std::filesystem::remove_all(benchDirectory());
     return status;

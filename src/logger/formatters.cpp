@@ -21,24 +21,12 @@ struct TimeOfDay {
     int millisecond;
 };
 
-// Local time of day now. The conversion is cached per thread for the current second,
-// so that a message costs one clock reading; a time-zone change shows from the next
-// second on, and no lock is held beyond the conversion itself.
+// Local time of day now, from one clock reading.
 TimeOfDay now()
 {
-    struct CachedSecond {
-        std::int64_t second = -1;
-        std::tm local{};
-    };
-    thread_local CachedSecond cache;
-
     const std::int64_t ticks = platform::systemTicks();
-    const std::int64_t second = ticks / 10000000;
-    if (second != cache.second) {
-        cache.local = platform::localTime(second);
-        cache.second = second;
-    }
-    return {cache.local.tm_hour, cache.local.tm_min, cache.local.tm_sec, static_cast<int>(ticks / 10000 % 1000)};
+    const std::tm local = platform::localTime(ticks / 10000000);
+    return {local.tm_hour, local.tm_min, local.tm_sec, static_cast<int>(ticks / 10000 % 1000)};
 }
 
 char* twoDigits(char* out, int value)

@@ -36,11 +36,12 @@ HANDLE openForAppend(const std::string& path)
     }
 }
 
-void writeAll(HANDLE file, const std::string& text)
+// Writes the text whole; false when the file took less (a full disk).
+bool writeAll(HANDLE file, const std::string& text)
 {
     DWORD written = 0;
-    if (!text.empty())
-        WriteFile(file, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
+    return text.empty() ||
+           (WriteFile(file, text.data(), static_cast<DWORD>(text.size()), &written, nullptr) && written == text.size());
 }
 
 } // namespace
@@ -55,15 +56,24 @@ void RollingFile::setHeader(const std::string& header) { header_ = header; }
 void RollingFile::append(const std::string& fileName, const std::string& text)
 {
     std::lock_guard<std::mutex> lock(mutex_);
-    const std::string path = directory_ + platform::pathSeparator + fileName;
+    std::string path;
+    path.reserve(directory_.size() + 1 + fileName.size());
+    path.append(directory_).append(1, platform::pathSeparator).append(fileName);
     HANDLE file = openForAppend(path);
     if (file == INVALID_HANDLE_VALUE)
         return; // this message is lost; the next one tries again
-    SetFilePointer(file, 0, nullptr, FILE_END);
-    // A failed size query counts as not empty: no header.
-    if (GetFileSize(file, nullptr) == 0)
-        writeAll(file, header_);
-    writeAll(file, text);
+    // The end is the size: a file that ends at 0 is empty and begins with the header. Without
+    // the end nothing can be appended, and the message is lost.
+    LONG endHigh = 0;
+    const DWORD endLow = SetFilePointer(file, 0, &endHigh, FILE_END);
+    if (endLow != INVALID_SET_FILE_POINTER || GetLastError() == ERROR_SUCCESS) {
+        const bool empty = endLow == 0 && endHigh == 0;
+        const bool whole = (!empty || writeAll(file, header_)) && writeAll(file, text);
+        if (!whole) { // the message whole or not at all: the file is cut back to where it ended
+            SetFilePointer(file, static_cast<LONG>(endLow), &endHigh, FILE_BEGIN);
+            SetEndOfFile(file);
+        }
+    }
     CloseHandle(file);
 }
 

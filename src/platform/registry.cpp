@@ -5,6 +5,7 @@
 #include "platform/registry_calls.h"
 #include "platform/shared_holders.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace ovo {
@@ -95,20 +96,29 @@ unsigned long registry::queryDWORDValue(const std::string& name, unsigned long d
     return result == ERROR_SUCCESS ? value : defaultValue;
 }
 
+// One read with room for a short text; a longer text, or one that grew since, answers
+// ERROR_MORE_DATA with the size it needs and is read again with that room. So a text is
+// always one value that was written, whoever changes it meanwhile, and a short one costs
+// one read.
 std::string registry::queryStringValue(const std::string& name, const std::string& defaultValue) const
 {
-    std::string text = defaultValue;
+    char shortText[256];
     DWORD type = 0;
-    DWORD size = 0;
-    if (calls::RegQueryValueExA(keyHandle_, name.c_str(), nullptr, &type, nullptr, &size) != ERROR_SUCCESS)
-        return text;
-    if (type != REG_SZ && type != REG_EXPAND_SZ)
-        return text;
-    if (size == 0)
-        return std::string(); // empty, which is not missing
-    text.assign(static_cast<std::size_t>(size) + 1, '\0'); // read in place, with a NUL at the end, stored or not
-    calls::RegQueryValueExA(keyHandle_, name.c_str(), nullptr, &type, reinterpret_cast<LPBYTE>(&text[0]), &size);
-    text.resize(std::strlen(text.c_str()));
+    DWORD size = sizeof shortText;
+    LONG result =
+        calls::RegQueryValueExA(keyHandle_, name.c_str(), nullptr, &type, reinterpret_cast<LPBYTE>(shortText), &size);
+    std::string text;
+    if (result == ERROR_SUCCESS)
+        text.assign(shortText, size);
+    while (result == ERROR_MORE_DATA) {
+        text.resize(size);
+        result = calls::RegQueryValueExA(keyHandle_, name.c_str(), nullptr, &type, reinterpret_cast<LPBYTE>(&text[0]),
+                                         &size);
+        text.resize(std::min<std::size_t>(size, text.size()));
+    }
+    if (result != ERROR_SUCCESS || (type != REG_SZ && type != REG_EXPAND_SZ))
+        return defaultValue;                             // missing, or no text
+    text.resize(std::min(text.find('\0'), text.size())); // up to its NUL, stored or not; an empty value is not missing
     return text;
 }
 

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 namespace ovo_fake {
@@ -43,12 +44,16 @@ using ovo_fake::fails;
 int open(const char* path, int flags, mode_t mode) { return fails("open") ? -1 : ::open(path, flags, mode); }
 int openat(int directory, const char* path, int flags, mode_t mode)
 {
-    return fails("openat") ? -1 : ::openat(directory, path, flags, mode);
+    return fails("open") ? -1 : ::openat(directory, path, flags, mode);
 }
 ssize_t read(int fd, void* buffer, size_t size) { return fails("read") ? -1 : ::read(fd, buffer, size); }
+ssize_t readv(int fd, const iovec* buffers, int count) { return fails("read") ? -1 : ::readv(fd, buffers, count); }
 ssize_t write(int fd, const void* buffer, size_t size) { return fails("write") ? -1 : ::write(fd, buffer, size); }
 int ftruncate(int fd, off_t size) { return fails("ftruncate") ? -1 : ::ftruncate(fd, size); }
-int rename(const char* from, const char* to) { return fails("rename") ? -1 : ::rename(from, to); }
+int renameat(int fromDirectory, const char* from, int toDirectory, const char* to)
+{
+    return fails("rename") ? -1 : ::renameat(fromDirectory, from, toDirectory, to);
+}
 int fsync(int fd) { return fails("fsync") ? -1 : ::fsync(fd); }
 int fallocate(int fd, off_t size)
 {

@@ -5,9 +5,9 @@
 
 namespace ovo_fake {
 
-// The next `times` calls named ("open", "openat", "read", "write", "ftruncate", "rename",
-// "fsync", "fallocate") fail with errno `error`, instead of what was scripted before; no name: none
-// fails.
+// The next `times` calls named ("open", "read", "write", "ftruncate", "rename", "fsync",
+// "fallocate") fail with errno `error`, instead of what was scripted before; no name: none
+// fails. "open" stands for openat too, "read" for readv, "rename" for renameat.
 void failCall(const char* call = "", int error = 0, int times = 1);
 
 } // namespace ovo_fake

@@ -68,3 +68,15 @@ TEST_F(InUtc, TheFileNameIsReadBeforeTheStamp)
     EXPECT_EQ(ovo_test::readFile(dir.path() / "2026-11-20-midnight.log"),
               "00:00:00.001 [clock           ] first of the day\n");
 }
+
+#if !defined(_WIN32) // Windows converts the years 1970 to 3000 only
+TEST_F(InUtc, AYearOfFiveDigitsIsWrittenInFull)
+{
+    ovo_test::TempDir dir;
+    FileLogChannel channel(dir.string(), "");
+    channel.setFormatter(std::make_shared<SimpleFormatter>());
+    ovo_fake::scriptClock({253402300800LL * second});
+    channel.write("clock", "m");
+    EXPECT_TRUE(std::filesystem::exists(dir.path() / "10000-01-01.log"));
+}
+#endif

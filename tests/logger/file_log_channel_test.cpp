@@ -14,7 +14,12 @@
 #include <sstream>
 
 #if !defined(_WIN32)
+#include "support/planted_links.h"
+
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #endif
 
 using namespace ovo::logger;
@@ -157,3 +162,54 @@ TEST_F(FileLogChannelTest, ThreadsAndProcessesNeverTearOrLoseALine)
     }
     EXPECT_EQ(seen.size(), 18000u);
 }
+
+#if !defined(_WIN32)
+// Another user's link in the file's place costs the message and leaves its target untouched.
+TEST_F(FileLogChannelTest, ALinkThatAnotherUserPlantedIsNeverFollowed)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root may make a link of another user";
+    for (const auto& row : ovo_test::plantedLinks) {
+        const fs::path directory = dir.path() / row.name, target = dir.path() / (std::string(row.name) + ".target");
+        fs::create_directory(directory);
+        std::ofstream(target) << "secret\n";
+        ASSERT_TRUE(ovo_test::plantLink(row, directory, todaysLogFile("l"), target));
+        channel("l", nullptr, directory.string())->write("n", "m");
+        EXPECT_EQ(readFile(target), row.followed ? "secret\n[m]\n" : "secret\n") << row.name;
+        EXPECT_TRUE(fs::is_symlink(directory / todaysLogFile("l"))) << row.name;
+    }
+}
+
+// On a full file system a message is whole in the file or not there at all. The file system is a small one of a
+// mount namespace of the writer's own, which nobody else sees and which goes with it.
+TEST_F(FileLogChannelTest, AFullDiskKeepsEachMessageWholeOrNotAtAll)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root may mount a small file system";
+    const fs::path small = dir.path() / "small", copy = dir.path() / "copy";
+    fs::create_directory(small);
+    const std::string body(990, '.');
+    const pid_t writer = ::fork();
+    if (writer == 0) {
+        if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            ::mount("tmpfs", small.c_str(), "tmpfs", 0, "size=16k") != 0)
+            ::_exit(3);
+        auto logging = channel("full", "# header\n", small.string());
+        for (int i = 0; i < 40; ++i)
+            logging->write("n", std::to_string(i) + " " + body);
+        std::ofstream(copy, std::ios::binary) << readFile(small / todaysLogFile("full"));
+        ::_exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(writer, &status, 0), writer);
+    if (WIFEXITED(status) && WEXITSTATUS(status) == 3)
+        GTEST_SKIP() << "no mount namespace of its own here";
+    ASSERT_EQ(status, 0);
+    const std::string content = readFile(copy);
+    std::string whole = "# header\n"; // and as many whole lines as make up the file
+    for (int i = 0; whole.size() < content.size(); ++i)
+        whole += "[" + std::to_string(i) + " " + body + "]\n";
+    EXPECT_TRUE(content == whole) << "a partial or torn line in the " << content.size() << " bytes";
+    EXPECT_GT(content.size(), 10000u);
+}
+#endif

@@ -79,7 +79,7 @@ TEST(PosixFaults, ANamedObjectThatCannotBeMadeLeavesNothing)
     failCall("ftruncate", EIO);
     EXPECT_EQ(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 4096, name.c_str()), nullptr);
     EXPECT_EQ(GetLastError(), 31u);
-    failCall("openat", EMFILE);
+    failCall("open", EMFILE);
     EXPECT_EQ(CreateMutexA(nullptr, FALSE, name.c_str()), nullptr);
     EXPECT_EQ(GetLastError(), 4u);
     failCall();

@@ -1,5 +1,6 @@
-// The other process of the registry tests: writes one key's values in turns, texts of 4000
-// 'A' or 'B' and a count, COUNT times (0: until killed), and leaves FILE after the first.
+// The other process of the registry tests: writes one key's values in turns, COUNT times
+// (0: until killed), and leaves FILE after the first. A turn sets the text "short", then
+// one of 4000 'B', removes it, and sets the count of turns.
 #include <ovo/win32/registry.h>
 
 #include <fstream>
@@ -12,7 +13,9 @@ int main(int argc, char** argv)
         return 2;
     const auto count = static_cast<unsigned>(std::stoul(argv[2]));
     for (unsigned n = 1; count == 0 || n <= count; ++n) {
-        key.setStringValue("text", std::string(4000, n % 2 == 0 ? 'A' : 'B'));
+        key.setStringValue("text", "short");
+        key.setStringValue("text", std::string(4000, 'B'));
+        key.deleteValue("text");
         key.setDWORDValue("count", n);
         if (n == 1)
             std::ofstream(argv[3]) << "written";

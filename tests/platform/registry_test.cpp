@@ -8,6 +8,8 @@
 #include <gtest/gtest.h>
 
 #if !defined(_WIN32)
+#include "support/planted_links.h"
+
 #include <sys/stat.h>
 #endif
 
@@ -19,7 +21,11 @@ using ovo_test::ChildProcess;
 const unsigned long allAccess = 0xF003F;
 const unsigned long readAccess = 0x20019;
 
-bool isAPeersText(const std::string& text) { return text == std::string(4000, 'A') || text == std::string(4000, 'B'); }
+// What the peer writes, or the default "none" when it removed the text.
+bool isAPeersText(const std::string& text)
+{
+    return text == "short" || text == std::string(4000, 'B') || text == "none";
+}
 
 class RegistryStoreTest : public ::testing::Test {
 protected:
@@ -103,6 +109,9 @@ TEST_F(RegistryStoreTest, NamesStayInsideTheStore)
     EXPECT_TRUE(std::filesystem::is_directory(keyDirectory.parent_path() / std::string(255, 'k'))); // named as before
     ASSERT_EQ(::mkfifo((keyDirectory / "%vfifo").c_str(), 0600), 0);
     EXPECT_EQ(store.queryStringValue("fifo", "none"), "none"); // at once, not blocked on the FIFO
+    std::ofstream(keyDirectory / "%next") << "left by a writer killed mid-way";
+    store.setStringValue("after", "set");
+    EXPECT_EQ(store.queryStringValue("after", ""), "set");
 
     ovo_test::TempDir machine; // HKEY_LOCAL_MACHINE: the first of the configuration directories
     setenv("XDG_CONFIG_DIRS", (machine.string() + ":/etc/xdg").c_str(), 1);
@@ -110,17 +119,44 @@ TEST_F(RegistryStoreTest, NamesStayInsideTheStore)
     unsetenv("XDG_CONFIG_DIRS");
     EXPECT_TRUE(std::filesystem::is_directory(machine.path() / "ovosystem/registry/software/where"));
 }
+
+// A value or sub-key that is another user's link is none: nothing is read from its target, a set replaces the link
+// itself, a key through it neither opens nor is made.
+TEST_F(RegistryStoreTest, ALinkThatAnotherUserPlantedIsNeverFollowed)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root may make a link of another user";
+    const auto keyDirectory = config.path() / "ovosystem/registry/software/ovotest/key";
+    const auto sourceDirectory = keyDirectory.parent_path() / "source";
+    registry source(HKEY_CURRENT_USER, base), sub(HKEY_CURRENT_USER, key("Key"));
+    ASSERT_TRUE(source.createAndOpen("Source", allAccess));
+    for (const auto& row : ovo_test::plantedLinks) {
+        source.setStringValue("value", "elsewhere");
+        ASSERT_TRUE(ovo_test::plantLink(row, keyDirectory, "%vlinked", sourceDirectory / "%vvalue"));
+        EXPECT_EQ(store.queryStringValue("linked", "none"), row.followed ? "elsewhere" : "none") << row.name;
+        ASSERT_TRUE(ovo_test::plantLink(row, keyDirectory, "sub", sourceDirectory));
+        EXPECT_EQ(sub.open("Sub", allAccess), row.followed) << row.name;
+        sub.close();
+        EXPECT_EQ(sub.createAndOpen("Sub", allAccess), row.followed) << row.name;
+        sub.setStringValue("value", "through the link");
+        sub.close();
+        EXPECT_EQ(source.queryStringValue("value", ""), row.followed ? "through the link" : "elsewhere") << row.name;
+    }
+    store.setStringValue("linked", "replaced"); // the link itself, not its target
+    EXPECT_EQ(store.queryStringValue("linked", ""), "replaced");
+    EXPECT_EQ(source.queryStringValue("value", ""), "through the link");
+}
 #endif
 
-// Another process replaces a 4000-byte text 300 times while this one reads it and writes its own values, beside
-// 5 MB: every read is one whole text, no write is lost; a writer killed mid-way leaves the old or the new text.
+// Another process writes a text 300 times while this one reads it and writes its own values, beside 5 MB: every read
+// is a text that was written, no write is lost; a writer killed mid-way leaves the old or the new text.
 TEST_F(RegistryStoreTest, TwoProcessesShareAKeyWithoutTornOrLostValues)
 {
     store.setStringValue("ballast", std::string(5 << 20, 'b'));
     ChildProcess writer("registry_peer", {key("Key"), "300", file("written")});
     ASSERT_TRUE(ovo_test::waitForFile(file("written")));
     for (unsigned n = 0; n < 300; ++n) {
-        EXPECT_TRUE(isAPeersText(store.queryStringValue("text", ""))) << n;
+        EXPECT_TRUE(isAPeersText(store.queryStringValue("text", "none"))) << n;
         store.setDWORDValue("mine" + std::to_string(n), n);
     }
     EXPECT_EQ(writer.wait(), 0);
@@ -131,9 +167,24 @@ TEST_F(RegistryStoreTest, TwoProcessesShareAKeyWithoutTornOrLostValues)
     ChildProcess killed("registry_peer", {key("Key"), "0", file("killed")});
     ASSERT_TRUE(ovo_test::waitForFile(file("killed")));
     killed.kill();
-    EXPECT_TRUE(isAPeersText(store.queryStringValue("text", "")));
+    EXPECT_TRUE(isAPeersText(store.queryStringValue("text", "none")));
     store.setStringValue("after", "taken");
     EXPECT_EQ(store.queryStringValue("after", ""), "taken");
+}
+
+// The text changes size between a query's reads: 10,000 reads, and on until 1,000 of them found a text, each give a
+// text that was written or the default, never bytes that nobody wrote.
+TEST_F(RegistryStoreTest, QueriesRacingChangesGiveAWrittenValueOrTheDefault)
+{
+    ChildProcess writer("registry_peer", {key("Key"), "0", file("written")});
+    ASSERT_TRUE(ovo_test::waitForFile(file("written")));
+    int texts = 0;
+    for (int n = 0; n < 10000 || (texts < 1000 && n < 2000000); ++n) {
+        const std::string text = store.queryStringValue("text", "none");
+        ASSERT_TRUE(isAPeersText(text)) << "read " << n << " gave " << text.size() << " bytes: " << text.substr(0, 9);
+        texts += text != "none";
+    }
+    EXPECT_GE(texts, 1000) << "the peer hardly ran";
 }
 
 } // namespace

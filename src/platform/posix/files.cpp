@@ -1,5 +1,6 @@
 #include "platform/posix/files.h"
 #include "platform/posix/file_object.h"
+#include "platform/posix/foreign_links.h"
 #include "platform/posix/system_calls.h"
 
 #include <algorithm>
@@ -150,13 +151,14 @@ HANDLE CreateFileA(LPCSTR fileName, DWORD desiredAccess, DWORD shareMode, LPSECU
         SetLastError(ERROR_INVALID_NAME);
         return INVALID_HANDLE_VALUE;
     }
-    std::replace(path.begin(), path.end(), '\\', '/'); // Windows separates by either
+    if (path.find('\\') != std::string::npos)
+        std::replace(path.begin(), path.end(), '\\', '/'); // Windows separates by either
     flags |= O_NONBLOCK; // regular files ignore it; serial ports keep it
     if (device)
         flags = (flags & ~O_CREAT) | O_NOCTTY; // a device is never made here
     int descriptor;
     do
-        descriptor = sys::open(path.c_str(), flags, 0666);
+        descriptor = ovo::posix::openWithoutForeignLinks(AT_FDCWD, path.c_str(), flags, 0666);
     while (descriptor < 0 && errno == EINTR);
     if (descriptor < 0 && errno == ENOENT) {
         SetLastError(ovo::posix::missingFileCode(path));
@@ -205,6 +207,20 @@ DWORD SetFilePointer(HANDLE file, LONG distance, PLONG distanceHigh, DWORD moveM
         *distanceHigh = static_cast<LONG>(static_cast<std::uint64_t>(position) >> 32);
     SetLastError(ERROR_SUCCESS);
     return static_cast<DWORD>(position);
+}
+
+BOOL SetEndOfFile(HANDLE file)
+{
+    FileObject* const object = objectOf<FileObject>(file);
+    if (object == nullptr)
+        return FALSE;
+    const off_t position = ::lseek(object->descriptor, 0, SEEK_CUR);
+    if (position < 0 || sys::ftruncate(object->descriptor, position) != 0) {
+        setLastErrorFromErrno(errno);
+        return FALSE;
+    }
+    SetLastError(ERROR_SUCCESS);
+    return TRUE;
 }
 
 DWORD GetFileSize(HANDLE file, LPDWORD sizeHigh)

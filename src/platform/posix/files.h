@@ -4,7 +4,9 @@
 // path opens a regular file only and "\\.\NAME" a character device only: anything else
 // (a FIFO, a directory) gives ERROR_ACCESS_DENIED at once instead of blocking. As on
 // Windows, '\' separates like '/', a missing directory on the way is ERROR_PATH_NOT_FOUND,
-// and the device names "", "." and ".." are ERROR_INVALID_NAME.
+// and the device names "", "." and ".." are ERROR_INVALID_NAME. A symbolic link that
+// another user planted in a directory that others may write is not followed
+// (ERROR_ACCESS_DENIED, see foreign_links.h).
 #ifndef OVO_SRC_PLATFORM_POSIX_FILES_H
 #define OVO_SRC_PLATFORM_POSIX_FILES_H
 
@@ -13,6 +15,7 @@
 HANDLE CreateFileA(LPCSTR fileName, DWORD desiredAccess, DWORD shareMode, LPSECURITY_ATTRIBUTES security,
                    DWORD creationDisposition, DWORD flagsAndAttributes, HANDLE templateFile);
 DWORD SetFilePointer(HANDLE file, LONG distance, PLONG distanceHigh, DWORD moveMethod);
+BOOL SetEndOfFile(HANDLE file);
 DWORD GetFileSize(HANDLE file, LPDWORD sizeHigh);
 BOOL ReadFile(HANDLE file, LPVOID buffer, DWORD bytesToRead, LPDWORD bytesRead, LPOVERLAPPED overlapped);
 BOOL WriteFile(HANDLE file, LPCVOID buffer, DWORD bytesToWrite, LPDWORD bytesWritten, LPOVERLAPPED overlapped);

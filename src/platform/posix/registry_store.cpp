@@ -2,6 +2,7 @@
 
 #include "platform/posix/file_name.h"
 #include "platform/posix/file_object.h"
+#include "platform/posix/foreign_links.h"
 #include "platform/posix/handle.h"
 #include "platform/posix/system_calls.h"
 
@@ -15,58 +16,62 @@
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
+#include <memory>
 #include <mutex>
 #include <pwd.h>
-#include <set>
 #include <string>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/uio.h>
 #include <unistd.h>
+#include <unordered_map>
 #include <vector>
 
 namespace {
 
 namespace sys = ovo::posix::sys;
 
-// The object behind a key handle of the layer.
+// The object behind a key handle of the layer: a descriptor of the key's directory, which
+// stays this key's whatever happens to the names on the way to it.
 struct RegistryKey {
-    std::string directory;
-    REGSAM access;
-    bool machine;
-};
+    RegistryKey(int directory, REGSAM access, bool machine) : directory(directory), access(access), machine(machine) {}
+    ~RegistryKey() { close(directory); }
+    RegistryKey(const RegistryKey&) = delete;
+    RegistryKey& operator=(const RegistryKey&) = delete;
 
-// The keys open in this process, so that a stale or foreign handle is refused, not used.
+    const int directory; // O_PATH: it names the directory, it reads nothing
+    const REGSAM access;
+    const bool machine;
+};
+using Key = std::shared_ptr<const RegistryKey>;
+
+// The keys open in this process, so that a stale or foreign handle is refused, not used. A
+// call holds its key while it works, so that a close by another thread cannot pull the
+// directory from under it.
 class OpenKeys {
 public:
-    HKEY add(RegistryKey* key)
+    HKEY add(Key key)
     {
+        const HKEY handle = reinterpret_cast<HKEY>(const_cast<RegistryKey*>(key.get()));
         std::lock_guard<std::mutex> guard(lock_);
-        keys_.insert(key);
-        return reinterpret_cast<HKEY>(key);
+        keys_.emplace(handle, std::move(key));
+        return handle;
     }
     bool remove(HKEY handle)
     {
         std::lock_guard<std::mutex> guard(lock_);
-        auto* key = reinterpret_cast<RegistryKey*>(handle);
-        if (keys_.erase(key) == 0)
-            return false;
-        delete key;
-        return true;
+        return keys_.erase(handle) != 0;
     }
-    // A copy of the key's description, or false for a handle that is not open.
-    bool find(HKEY handle, RegistryKey& key)
+    Key find(HKEY handle)
     {
         std::lock_guard<std::mutex> guard(lock_);
-        auto found = keys_.find(reinterpret_cast<RegistryKey*>(handle));
-        if (found == keys_.end())
-            return false;
-        key = **found;
-        return true;
+        const auto found = keys_.find(handle);
+        return found == keys_.end() ? nullptr : found->second;
     }
 
 private:
     std::mutex lock_;
-    std::set<RegistryKey*> keys_;
+    std::unordered_map<HKEY, Key> keys_;
 };
 
 OpenKeys& openKeys()
@@ -84,30 +89,25 @@ std::string homeDirectory()
     return user != nullptr && user->pw_dir != nullptr ? user->pw_dir : "/";
 }
 
-std::string userStore()
-{
-    const char* config = std::getenv("XDG_CONFIG_HOME");
-    return (config != nullptr && config[0] == '/' ? std::string(config) : homeDirectory() + "/.config") +
-           "/ovosystem/registry";
-}
+// Where a root key's tree lives: the store's directories below a configuration directory.
+struct Store {
+    std::string configuration;
+    bool machine;
+};
 
-std::string machineStore()
+bool storeOf(HKEY handle, Store& store)
 {
-    const char* dirs = std::getenv("XDG_CONFIG_DIRS");
-    std::string first = dirs != nullptr ? std::string(dirs).substr(0, std::string(dirs).find(':')) : std::string();
-    return (first.empty() || first[0] != '/' ? std::string("/etc/xdg") : first) + "/ovosystem/registry";
-}
-
-// The key a handle stands for: a root key or an open key.
-LONG describe(HKEY handle, RegistryKey& key)
-{
-    if (handle == HKEY_CURRENT_USER)
-        key = RegistryKey{userStore(), KEY_ALL_ACCESS, false};
-    else if (handle == HKEY_LOCAL_MACHINE)
-        key = RegistryKey{machineStore(), KEY_ALL_ACCESS, true};
-    else if (!openKeys().find(handle, key))
-        return ERROR_INVALID_HANDLE;
-    return ERROR_SUCCESS;
+    if (handle == HKEY_CURRENT_USER) {
+        const char* config = std::getenv("XDG_CONFIG_HOME");
+        store = {config != nullptr && config[0] == '/' ? std::string(config) : homeDirectory() + "/.config", false};
+    } else if (handle == HKEY_LOCAL_MACHINE) {
+        const char* dirs = std::getenv("XDG_CONFIG_DIRS");
+        const std::string first = dirs != nullptr ? std::string(dirs).substr(0, std::string(dirs).find(':')) : "";
+        store = {first.empty() || first[0] != '/' ? std::string("/etc/xdg") : first, true};
+    } else {
+        return false;
+    }
+    return true;
 }
 
 const std::size_t longestFileName = 255;  // NAME_MAX of the usual file systems
@@ -139,13 +139,11 @@ std::string encodedElement(const std::string& element)
     return escaped.size() <= longestFileName ? escaped : hashedName("%k", folded);
 }
 
-// The directories from the key's own down to the sub-key's. As on Windows a key name holds
-// any character but the backslash, empty elements count for nothing ("a\\b" is "a\b",
-// "" the key itself), and a leading backslash or a name of more than 255 characters is
-// refused.
-LONG subKeyDirectories(const RegistryKey& key, LPCSTR subKey, std::vector<std::string>& directories)
+// The directory names of a sub-key, one per element. As on Windows a key name holds any
+// character but the backslash, empty elements count for nothing ("a\\b" is "a\b", "" the
+// key itself), and a leading backslash or a name of more than 255 characters is refused.
+LONG subKeyNames(LPCSTR subKey, std::vector<std::string>& names)
 {
-    directories.assign(1, key.directory);
     const std::string path = subKey != nullptr ? subKey : "";
     if (!path.empty() && path[0] == '\\')
         return ERROR_BAD_PATHNAME;
@@ -156,20 +154,16 @@ LONG subKeyDirectories(const RegistryKey& key, LPCSTR subKey, std::vector<std::s
         if (element.size() > longestKeyName)
             return ERROR_INVALID_PARAMETER;
         if (!element.empty())
-            directories.push_back(directories.back() + "/" + encodedElement(element));
+            names.push_back(encodedElement(element));
     }
     return ERROR_SUCCESS;
 }
 
 LONG errorOf(int error) { return static_cast<LONG>(ovo::posix::setLastErrorFromErrno(error)); }
 
-bool isDirectory(const std::string& path)
-{
-    struct stat status;
-    return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
-}
+LONG missingOr(int error) { return error == ENOENT || error == ENOTDIR ? ERROR_FILE_NOT_FOUND : errorOf(error); }
 
-// mkdir -p of a store's root.
+// mkdir -p of the configuration directory a store lives in.
 LONG makeDirectories(const std::string& path, mode_t mode)
 {
     for (std::size_t slash = path.find('/', 1);; slash = path.find('/', slash + 1)) {
@@ -179,6 +173,68 @@ LONG makeDirectories(const std::string& path, mode_t mode)
         if (slash == std::string::npos)
             return ERROR_SUCCESS;
     }
+}
+
+int openDirectory(int from, const char* name)
+{
+    return ovo::posix::openWithoutForeignLinks(from, name, O_PATH | O_DIRECTORY | O_CLOEXEC);
+}
+
+// Opens the directories named one below the other from `from` (making the missing ones
+// when asked): `directory` becomes the last one's descriptor, `created` tells whether one
+// was made.
+LONG openDirectories(int from, const std::vector<std::string>& names, bool create, mode_t mode, int& directory,
+                     bool& created)
+{
+    directory = openDirectory(from, ".");
+    int error = errno;
+    for (const std::string& name : names) {
+        if (directory < 0)
+            break;
+        int next = openDirectory(directory, name.c_str());
+        if (next < 0 && errno == ENOENT && create) {
+            const bool made = mkdirat(directory, name.c_str(), mode) == 0;
+            created = created || made;
+            if (made || errno == EEXIST)
+                next = openDirectory(directory, name.c_str());
+        }
+        error = errno; // why the last one failed, if it did
+        close(directory);
+        directory = next;
+    }
+    return directory >= 0 ? ERROR_SUCCESS : missingOr(error);
+}
+
+LONG openStore(const Store& store, bool create, int& directory)
+{
+    const mode_t mode = store.machine ? 0755 : 0700;
+    if (create) {
+        const LONG made = makeDirectories(store.configuration, mode);
+        if (made != ERROR_SUCCESS)
+            return made;
+    }
+    bool created = false;
+    const int configuration = open(store.configuration.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+    if (configuration < 0)
+        return missingOr(errno);
+    const LONG result = openDirectories(configuration, {"ovosystem", "registry"}, create, mode, directory, created);
+    close(configuration);
+    return result;
+}
+
+// The key a handle stands for: an open key, or a root key's store.
+LONG describe(HKEY handle, Key& key)
+{
+    Store store;
+    if (!storeOf(handle, store)) {
+        key = openKeys().find(handle);
+        return key != nullptr ? ERROR_SUCCESS : ERROR_INVALID_HANDLE;
+    }
+    int directory = -1;
+    const LONG result = openStore(store, false, directory);
+    if (result == ERROR_SUCCESS)
+        key = std::make_shared<const RegistryKey>(directory, KEY_ALL_ACCESS, store.machine);
+    return result;
 }
 
 // A value is one file in its key's directory, so that a write costs the value written and
@@ -192,13 +248,11 @@ const char nextValueFile[] = "%next"; // the value being written, complete befor
 const char valueMagic[8] = {'O', 'V', 'O', 'V', 'A', 'L', '1', '\n'};
 const std::size_t headerSize = sizeof valueMagic + 4;
 
-std::string valuePath(const std::string& directory, LPCSTR name)
+std::string valueFile(LPCSTR name)
 {
     const std::string folded = ovo::toLower(name != nullptr ? name : "");
     const std::string escaped = ovo::posix::escapedFileName(folded);
-    const std::string file =
-        escaped.size() <= longestPlainName ? valuePrefix + escaped : hashedName(hashedValuePrefix, folded);
-    return directory + "/" + file;
+    return escaped.size() <= longestPlainName ? valuePrefix + escaped : hashedName(hashedValuePrefix, folded);
 }
 
 bool isValueFile(const char* name)
@@ -206,72 +260,129 @@ bool isValueFile(const char* name)
     return std::strncmp(name, valuePrefix, 2) == 0 || std::strncmp(name, hashedValuePrefix, 2) == 0;
 }
 
-// Opens a value file for reading; only a regular file counts (a FIFO would block).
-int openValue(const std::string& path, struct stat& status)
+// Opens a value file of the key for reading (without waiting: a FIFO there never blocks).
+int openValue(const Key& key, const std::string& file)
 {
-    const int fd = sys::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (fd >= 0 && (fstat(fd, &status) != 0 || !S_ISREG(status.st_mode))) {
-        close(fd);
-        errno = ENOENT;
-        return -1;
-    }
-    return fd;
+    return ovo::posix::openWithoutForeignLinks(key->directory, file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
 }
 
-// Reads `size` bytes or fails (EIO for a file that ends early).
-bool readExactly(int fd, void* buffer, std::size_t size)
+// Fills the buffers in order or fails (EIO for a file that ends early).
+bool readWhole(int fd, iovec* parts, int count)
 {
-    auto* bytes = static_cast<char*>(buffer);
-    for (std::size_t done = 0; done < size;) {
-        const ssize_t count = sys::read(fd, bytes + done, size - done);
-        if (count < 0 && errno == EINTR)
+    while (count > 0) {
+        const ssize_t done = sys::readv(fd, parts, count);
+        if (done < 0 && errno == EINTR)
             continue;
-        if (count <= 0) {
-            errno = count == 0 ? EIO : errno;
+        if (done <= 0) {
+            errno = done == 0 ? EIO : errno;
             return false;
         }
-        done += static_cast<std::size_t>(count);
+        std::size_t left = static_cast<std::size_t>(done);
+        for (; count > 0 && left >= parts->iov_len; ++parts, --count)
+            left -= parts->iov_len;
+        if (count > 0) {
+            parts->iov_base = static_cast<char*>(parts->iov_base) + left;
+            parts->iov_len -= left;
+        }
     }
     return true;
 }
 
-// A key's value: its type and size from the header, its data only when asked for.
-LONG readValue(const std::string& path, LPDWORD type, LPBYTE data, LPDWORD size)
+// The value file that answered ERROR_MORE_DATA, kept open for the thread's next call: the
+// reader asks again at once with the room it was told (queryStringValue does), and so
+// reads the very version whose size it was told, without a second open. A change or close
+// of a key by the thread lets it go.
+class HeldValue {
+public:
+    ~HeldValue() { release(); }
+    void hold(const Key& key, const std::string& file, int fd, const struct stat& status)
+    {
+        release();
+        key_ = key;
+        file_ = file;
+        fd_ = fd;
+        status_ = status;
+    }
+    // The descriptor and status held for this value, or -1; nothing is held afterwards.
+    int take(const Key& key, const std::string& file, struct stat& status)
+    {
+        const int fd = key == key_ && file == file_ ? fd_ : -1;
+        if (fd >= 0) {
+            status = status_;
+            fd_ = -1;
+        }
+        release();
+        return fd;
+    }
+    void release()
+    {
+        if (fd_ >= 0)
+            close(fd_);
+        fd_ = -1;
+        key_.reset();
+    }
+
+private:
+    Key key_;
+    std::string file_;
+    int fd_ = -1;
+    struct stat status_;
+};
+
+thread_local HeldValue heldValue;
+
+// A key's value: its type and size from the header, its data when asked for, with the
+// header in one read. Data that does not fit is not read: the size it needs is the answer
+// (ERROR_MORE_DATA), and the file is held for the call that asks again with that room.
+LONG readValue(const Key& key, const std::string& file, LPDWORD type, LPBYTE data, LPDWORD size)
 {
     struct stat status;
-    const int fd = openValue(path, status);
-    if (fd < 0)
-        return errno == ENOENT || errno == ENOTDIR ? ERROR_FILE_NOT_FOUND : errorOf(errno);
-    char header[headerSize];
+    int fd = heldValue.take(key, file, status);
+    const bool held = fd >= 0;
+    if (!held && (fd = openValue(key, file)) < 0)
+        return missingOr(errno);
+    if (!held && fstat(fd, &status) != 0) {
+        const int error = errno;
+        close(fd);
+        return errorOf(error);
+    }
     LONG result = ERROR_SUCCESS;
-    if (static_cast<std::size_t>(status.st_size) >= headerSize && !readExactly(fd, header, headerSize)) {
-        result = errorOf(errno);
-    } else if (static_cast<std::size_t>(status.st_size) < headerSize ||
-               std::memcmp(header, valueMagic, sizeof valueMagic) != 0) {
-        result = ERROR_FILE_NOT_FOUND; // not written by this store
+    if (!S_ISREG(status.st_mode) || static_cast<std::size_t>(status.st_size) < headerSize) {
+        result = ERROR_FILE_NOT_FOUND; // only a regular file can be a value
     } else {
-        const DWORD length = static_cast<DWORD>(status.st_size - headerSize);
-        if (type != nullptr)
-            std::memcpy(type, header + sizeof valueMagic, 4);
-        if (data != nullptr && *size < length)
+        const DWORD length = static_cast<DWORD>(status.st_size - static_cast<off_t>(headerSize));
+        char header[headerSize];
+        iovec parts[2] = {{header, headerSize}, {data, length}};
+        if (data != nullptr && *size < length) {
             result = ERROR_MORE_DATA;
-        else if (data != nullptr && !readExactly(fd, data, length))
+        } else if (!readWhole(fd, parts, data != nullptr ? 2 : 1)) {
             result = errorOf(errno);
-        if (size != nullptr)
+        } else if (std::memcmp(header, valueMagic, sizeof valueMagic) != 0) {
+            result = ERROR_FILE_NOT_FOUND; // not written by this store
+        } else if (type != nullptr) {
+            std::memcpy(type, header + sizeof valueMagic, 4);
+        }
+        if (size != nullptr && (result == ERROR_SUCCESS || result == ERROR_MORE_DATA))
             *size = length;
     }
-    close(fd);
+    if (result == ERROR_MORE_DATA)
+        heldValue.hold(key, file, fd, status);
+    else
+        close(fd);
     return result;
 }
 
 // Writes the next value beside the key's values and renames it into place: another
 // process sees the old or the new value, also when this one dies on the way.
-LONG writeValue(const std::string& directory, const std::string& path, DWORD type, const BYTE* data, DWORD size,
-                bool machine)
+LONG writeValue(const Key& key, const std::string& file, DWORD type, const BYTE* data, DWORD size)
 {
-    const std::string next = directory + "/" + nextValueFile;
-    unlink(next.c_str()); // left by a writer that died
-    const int fd = sys::open(next.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, machine ? 0644 : 0600);
+    const int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+    const mode_t mode = key->machine ? 0644 : 0600;
+    int fd = sys::openat(key->directory, nextValueFile, flags, mode);
+    if (fd < 0 && errno == EEXIST) { // left by a writer that died
+        unlinkat(key->directory, nextValueFile, 0);
+        fd = sys::openat(key->directory, nextValueFile, flags, mode);
+    }
     if (fd < 0)
         return errorOf(errno);
     char header[headerSize];
@@ -282,30 +393,30 @@ LONG writeValue(const std::string& directory, const std::string& path, DWORD typ
         ovo::posix::writeWhole(fd, header, headerSize, headerDone) && ovo::posix::writeWhole(fd, data, size, dataDone);
     const int writeError = errno;
     close(fd);
-    if (written && sys::rename(next.c_str(), path.c_str()) == 0)
+    if (written && sys::renameat(key->directory, nextValueFile, key->directory, file.c_str()) == 0)
         return ERROR_SUCCESS;
     const LONG failure = errorOf(written ? errno : writeError);
-    unlink(next.c_str()); // the old value stays as it was
+    unlinkat(key->directory, nextValueFile, 0); // the old value stays as it was
     return failure;
 }
 
 // Changes a value under an exclusive lock of its key's directory: writers in every process
 // take turns; readers never wait, they open whole files.
-template <typename Change>
-LONG changeValue(HKEY handle, LPCSTR name, Change change)
+template <typename Change> LONG changeValue(HKEY handle, LPCSTR name, Change change)
 {
-    RegistryKey key;
+    Key key;
     LONG result = describe(handle, key);
     if (result != ERROR_SUCCESS)
         return result;
-    if ((key.access & KEY_SET_VALUE) == 0)
+    if ((key->access & KEY_SET_VALUE) == 0)
         return ERROR_ACCESS_DENIED;
-    const int lock = open(key.directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    heldValue.release(); // the thread reads what it wrote
+    const int lock = openat(key->directory, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (lock < 0)
-        return errno == ENOENT ? ERROR_FILE_NOT_FOUND : errorOf(errno);
+        return missingOr(errno);
     while (flock(lock, LOCK_EX) != 0 && errno == EINTR) {
     }
-    result = change(key, valuePath(key.directory, name));
+    result = change(key, valueFile(name));
     close(lock);
     return result;
 }
@@ -315,29 +426,32 @@ LONG openKey(HKEY handle, LPCSTR subKey, REGSAM access, PHKEY result, bool creat
     if (result == nullptr)
         return ERROR_INVALID_PARAMETER;
     *result = nullptr;
-    RegistryKey key;
-    LONG status = describe(handle, key);
-    std::vector<std::string> directories;
-    if (status == ERROR_SUCCESS)
-        status = subKeyDirectories(key, subKey, directories);
+    std::vector<std::string> names;
+    LONG status = subKeyNames(subKey, names);
     if (status != ERROR_SUCCESS)
         return status;
-    const mode_t mode = key.machine ? 0755 : 0700;
-    bool created = false;
-    if (create && !isDirectory(directories.front()) && (status = makeDirectories(directories.front(), mode)) != ERROR_SUCCESS)
+    Store store;
+    Key from;
+    int start = -1;
+    if (storeOf(handle, store))
+        status = openStore(store, create, start);
+    else if ((from = openKeys().find(handle)) != nullptr)
+        store.machine = from->machine;
+    else
+        status = ERROR_INVALID_HANDLE;
+    if (status != ERROR_SUCCESS)
         return status;
-    for (std::size_t i = 1; i < directories.size(); ++i) {
-        if (isDirectory(directories[i]))
-            continue;
-        if (!create)
-            return ERROR_FILE_NOT_FOUND;
-        if (mkdir(directories[i].c_str(), mode) != 0 && errno != EEXIST)
-            return errorOf(errno);
-        created = true;
-    }
+    int directory = -1;
+    bool created = false;
+    status = openDirectories(from != nullptr ? from->directory : start, names, create, store.machine ? 0755 : 0700,
+                             directory, created);
+    if (start >= 0)
+        close(start);
+    if (status != ERROR_SUCCESS)
+        return status;
     if (disposition != nullptr)
         *disposition = created ? REG_CREATED_NEW_KEY : REG_OPENED_EXISTING_KEY;
-    *result = openKeys().add(new RegistryKey{directories.back(), access, key.machine});
+    *result = openKeys().add(std::make_shared<const RegistryKey>(directory, access, store.machine));
     return ERROR_SUCCESS;
 }
 
@@ -360,68 +474,72 @@ LONG RegCloseKey(HKEY key)
 {
     if (key == HKEY_CURRENT_USER || key == HKEY_LOCAL_MACHINE)
         return ERROR_SUCCESS;
+    heldValue.release();
     return openKeys().remove(key) ? ERROR_SUCCESS : ERROR_INVALID_HANDLE;
 }
 
+// Makes the key's values durable: each value file, then the directory that holds the renames.
 LONG RegFlushKey(HKEY handle)
 {
-    RegistryKey key;
+    Key key;
     LONG result = describe(handle, key);
     if (result != ERROR_SUCCESS)
         return result;
-    DIR* const directory = opendir(key.directory.c_str());
-    if (directory == nullptr)
-        return errno == ENOENT ? ERROR_FILE_NOT_FOUND : errorOf(errno);
-    std::vector<std::string> paths;
-    while (const dirent* entry = readdir(directory))
-        if (isValueFile(entry->d_name))
-            paths.push_back(key.directory + "/" + entry->d_name);
-    closedir(directory);
-    paths.push_back(key.directory); // the renames
-    for (const std::string& path : paths) {
-        struct stat status;
-        const int fd =
-            path == key.directory ? open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC) : openValue(path, status);
-        if (fd < 0 && errno == ENOENT)
-            continue; // deleted meanwhile
-        if (fd < 0)
-            return errorOf(errno);
-        const bool synced = sys::fsync(fd) == 0;
-        const int syncError = errno;
-        close(fd);
-        if (!synced)
-            return errorOf(syncError);
+    const int directory = openat(key->directory, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    DIR* const listing = directory < 0 ? nullptr : fdopendir(directory);
+    if (listing == nullptr) {
+        const int error = errno;
+        if (directory >= 0)
+            close(directory);
+        return missingOr(error);
     }
-    return ERROR_SUCCESS;
+    std::vector<std::string> files;
+    while (const dirent* entry = readdir(listing))
+        if (isValueFile(entry->d_name))
+            files.push_back(entry->d_name);
+    const auto sync = [](int fd) { return sys::fsync(fd) == 0 ? static_cast<LONG>(ERROR_SUCCESS) : errorOf(errno); };
+    for (const std::string& file : files) {
+        struct stat status;
+        const int fd = openValue(key, file);
+        if (fd < 0 && errno != ENOENT)
+            result = errorOf(errno);
+        else if (fd >= 0 && fstat(fd, &status) == 0 && S_ISREG(status.st_mode))
+            result = sync(fd);
+        if (fd >= 0)
+            close(fd);
+        if (result != ERROR_SUCCESS)
+            break;
+    }
+    if (result == ERROR_SUCCESS)
+        result = sync(directory); // the renames
+    closedir(listing);
+    return result;
 }
 
 LONG RegQueryValueExA(HKEY handle, LPCSTR name, LPDWORD, LPDWORD type, LPBYTE data, LPDWORD size)
 {
-    RegistryKey key;
+    Key key;
     LONG result = describe(handle, key);
     if (result != ERROR_SUCCESS)
         return result;
-    if ((key.access & KEY_QUERY_VALUE) == 0)
+    if ((key->access & KEY_QUERY_VALUE) == 0)
         return ERROR_ACCESS_DENIED;
     if (data != nullptr && size == nullptr)
         return ERROR_INVALID_PARAMETER;
-    return readValue(valuePath(key.directory, name), type, data, size);
+    return readValue(key, valueFile(name), type, data, size);
 }
 
 LONG RegSetValueExA(HKEY handle, LPCSTR name, DWORD, DWORD type, const BYTE* data, DWORD size)
 {
     if (data == nullptr && size != 0)
         return ERROR_INVALID_PARAMETER;
-    return changeValue(handle, name, [&](const RegistryKey& key, const std::string& path) {
-        return writeValue(key.directory, path, type, data, size, key.machine);
-    });
+    return changeValue(
+        handle, name, [&](const Key& key, const std::string& file) { return writeValue(key, file, type, data, size); });
 }
 
 LONG RegDeleteValueA(HKEY handle, LPCSTR name)
 {
-    return changeValue(handle, name, [](const RegistryKey&, const std::string& path) {
-        return unlink(path.c_str()) == 0 ? static_cast<LONG>(ERROR_SUCCESS)
-               : errno == ENOENT         ? static_cast<LONG>(ERROR_FILE_NOT_FOUND)
-                                         : errorOf(errno);
+    return changeValue(handle, name, [](const Key& key, const std::string& file) {
+        return unlinkat(key->directory, file.c_str(), 0) == 0 ? static_cast<LONG>(ERROR_SUCCESS) : missingOr(errno);
     });
 }

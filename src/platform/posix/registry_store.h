@@ -8,9 +8,14 @@
 // case, every byte but letters, digits and "._-" written as %XX ("." and ".." as %2E), so
 // that every name Windows takes is kept and none reaches outside the tree. As on Windows
 // empty key path elements count for nothing, and a leading backslash (ERROR_BAD_PATHNAME)
-// or a key name of more than 255 characters (ERROR_INVALID_PARAMETER) is refused. A value write renames a complete new file over the value's under
-// an exclusive lock of the key's directory: a set costs the value written, a query the
-// value read, and readers see the old or the new value, never a torn one, also when a
+// or a key name of more than 255 characters (ERROR_INVALID_PARAMETER) is refused.
+//
+// An open key holds a descriptor of its directory: what happens to the names on the way
+// to it later does not move it, and no element of the store is reached through a symbolic
+// link that another user planted (see foreign_links.h). A value write renames a complete
+// new file over the value's under an exclusive lock of the key's directory: a set costs
+// the value written, a query the value read (no lock: a reader opens the old file or the
+// new one), and readers see the old or the new value, never a torn one, also when a
 // writer dies. RegFlushKey makes the key's values durable.
 #ifndef OVO_SRC_PLATFORM_POSIX_REGISTRY_STORE_H
 #define OVO_SRC_PLATFORM_POSIX_REGISTRY_STORE_H
@@ -49,7 +54,7 @@ LONG RegCreateKeyExA(HKEY key, LPCSTR subKey, DWORD reserved, LPSTR keyClass, DW
 LONG RegCloseKey(HKEY key);
 LONG RegFlushKey(HKEY key);
 // A null name or "" is the key's unnamed value. With no data address the type and size
-// are given; a buffer too small gets ERROR_MORE_DATA and the size needed.
+// are given; a buffer too small gets ERROR_MORE_DATA and the size needed (not the type).
 LONG RegQueryValueExA(HKEY key, LPCSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data, LPDWORD size);
 LONG RegSetValueExA(HKEY key, LPCSTR name, DWORD reserved, DWORD type, const BYTE* data, DWORD size);
 LONG RegDeleteValueA(HKEY key, LPCSTR name);

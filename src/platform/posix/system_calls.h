@@ -7,6 +7,8 @@
 
 #include <sys/types.h>
 
+struct iovec;
+
 namespace ovo {
 namespace posix {
 namespace sys {
@@ -14,9 +16,10 @@ namespace sys {
 int open(const char* path, int flags, mode_t mode = 0);
 int openat(int directory, const char* path, int flags, mode_t mode = 0);
 ssize_t read(int fd, void* buffer, size_t size);
+ssize_t readv(int fd, const iovec* buffers, int count);
 ssize_t write(int fd, const void* buffer, size_t size);
 int ftruncate(int fd, off_t size);
-int rename(const char* from, const char* to);
+int renameat(int fromDirectory, const char* from, int toDirectory, const char* to);
 int fsync(int fd);
 // Reserves the file's blocks up to `size` (posix_fallocate), -1 with errno set when it cannot.
 int fallocate(int fd, off_t size);
