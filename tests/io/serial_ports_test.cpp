@@ -40,8 +40,8 @@ TEST(SerialPorts, SysfsTreeGivesThePortsWithHardwareAndEveryKnownField)
               (std::vector<std::string>{
                   "ttyACM0|u-blox GNSS receiver|1546|01a8||u-blox AG|u-blox GNSS receiver|00||"
                   "/dev/serial/by-id/usb-u-blox_AG_u-blox_GNSS_receiver-if00",
-                  "ttyACM1|LTE modem - AT commands|1546|1102||u-blox AG|LTE modem|00|AT commands",
-                  "ttyACM2|LTE modem - GNSS data|1546|1102||u-blox AG|LTE modem|02|GNSS data",
+                  "ttyACM10|LTE modem - GNSS data|1546|1102||u-blox AG|LTE modem|02|GNSS data",
+                  "ttyACM9|LTE modem - AT commands|1546|1102||u-blox AG|LTE modem|00|AT commands",
                   "ttyS0|16550A UART|||||||",
                   "ttyUSB0|FT232R USB UART|0403|6001|A50285BI|FTDI|FT232R USB UART|00|FT232R serial|"
                   "/dev/serial/by-id/usb-FTDI_FT232R_USB_UART_A50285BI-if00-port0|"

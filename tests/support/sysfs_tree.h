@@ -34,11 +34,11 @@ inline const std::vector<std::pair<std::string, std::string>> sysfsMachine = {
     // A modem with two ports, each on an interface of its own name.
     {usbBus + "1-4", "idVendor=1546;idProduct=1102;manufacturer=u-blox AG;product=LTE modem"},
     {usbBus + "1-4/1-4:1.0", "bInterfaceNumber=00;interface=AT commands"},
-    {usbBus + "1-4/1-4:1.0/tty/ttyACM1/device", "-> ../../../1-4:1.0"},
-    {"sys/class/tty/ttyACM1", "-> ../../devices/pci0000:00/0000:00:14.0/usb1/1-4/1-4:1.0/tty/ttyACM1"},
+    {usbBus + "1-4/1-4:1.0/tty/ttyACM9/device", "-> ../../../1-4:1.0"},
+    {"sys/class/tty/ttyACM9", "-> ../../devices/pci0000:00/0000:00:14.0/usb1/1-4/1-4:1.0/tty/ttyACM9"},
     {usbBus + "1-4/1-4:1.2", "bInterfaceNumber=02;interface=GNSS data"},
-    {usbBus + "1-4/1-4:1.2/tty/ttyACM2/device", "-> ../../../1-4:1.2"},
-    {"sys/class/tty/ttyACM2", "-> ../../devices/pci0000:00/0000:00:14.0/usb1/1-4/1-4:1.2/tty/ttyACM2"},
+    {usbBus + "1-4/1-4:1.2/tty/ttyACM10/device", "-> ../../../1-4:1.2"},
+    {"sys/class/tty/ttyACM10", "-> ../../devices/pci0000:00/0000:00:14.0/usb1/1-4/1-4:1.2/tty/ttyACM10"},
     // An adapter whose strings end in blanks.
     {usbBus + "1-5",
      "idVendor=067b;idProduct=2303;manufacturer=Prolific Technology Inc. ;product=USB-Serial Controller  "},
