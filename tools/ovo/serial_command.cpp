@@ -15,10 +15,10 @@ namespace {
 
 const char serialHelp[] =
     "usage: ovo serial --port=SETTINGS [--timeout=MS] [OPTIONS] send HEX | recv N | monitor\n"
-    "SETTINGS is the serial configuration's text form, e.g. \"device=ttyUSB0;baud=9600;data=8;\n"
-    "parity=none;stop=1\" (device: a name under /dev, or an absolute path; on Windows a\n"
-    "port such as COM7; data: 5 to 8; parity: none, even or odd; stop: 1, 1.5 or 2; flow:\n"
-    "off, software or hardware).\n"
+    "SETTINGS is the serial configuration's text form, for example\n"
+    "\"device=ttyUSB0;baud=9600;data=8;parity=none;stop=1\" (device: a name under /dev, or\n"
+    "an absolute path; on Windows a port such as COM7; data: 5 to 8; parity: none, even\n"
+    "or odd; stop: 1, 1.5 or 2; flow: off, software or hardware).\n"
     "  send HEX   sends the bytes\n"
     "  recv N     waits up to the time-out for N bytes and prints them; exit status 1 when\n"
     "             fewer came\n"

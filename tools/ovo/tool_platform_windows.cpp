@@ -93,8 +93,9 @@ std::tm localTime(std::time_t time)
 
 std::string unfitForLogs(const std::string& directory)
 {
-    const std::wstring probe = utf16(directory) + L"\\.ovo-log-probe-" + std::to_wstring(GetCurrentProcessId());
-    const HANDLE file = CreateFileW(probe.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+    // Made as the library makes the log file: by the ANSI name.
+    const std::string probe = directory + "\\.ovo-log-probe-" + std::to_string(GetCurrentProcessId());
+    const HANDLE file = CreateFileA(probe.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
                                     FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
     if (file == INVALID_HANDLE_VALUE)
         return systemWords(GetLastError());
