@@ -300,6 +300,7 @@ TEST_F(OvoToolTest, PortsAsATableAndAsJsonInNaturalOrderWithStrangeBytesMadeHarm
     ovo_test::buildSysfsTree(dir_.path());
     std::ofstream(path(ovo_test::usbBus + "1-2/serial")) << "A5\xE9\n";
     std::ofstream(path(ovo_test::usbBus + "1-2/product")) << "FT232R\x1B[2J\n";
+    std::ofstream(path(ovo_test::usbBus + "1-5/product")) << "Contrôleur série\n"; // two characters of two bytes
     const std::string machine = "mount --bind " + path("sys") + " /sys && mount --bind " + path("dev") + " /dev";
     const std::string byId = "/dev/serial/by-id/usb-";
     EXPECT_EQ(ovoAfter(machine, {"ports"}),
@@ -314,7 +315,7 @@ TEST_F(OvoToolTest, PortsAsATableAndAsJsonInNaturalOrderWithStrangeBytesMadeHarm
                            "ttyUSB0   FT232R\\x1B[2J            0403:6001  A5\\xE9  " +
                            byId +
                            "FTDI_FT232R_USB_UART_A50285BI-if00-port0\n"
-                           "ttyUSB10  USB-Serial Controller    067b:2303\n",
+                           "ttyUSB10  Contrôleur série         067b:2303\n",
                        ""}));
     const std::string json = ovoAfter(machine, {"ports", "--json"}).out;
     const std::string ftdi = "{\"name\":\"ttyUSB0\",\"description\":\"FT232R\\u001B[2J\",\"vendorId\":\"0403\","
@@ -339,6 +340,9 @@ TEST_F(OvoToolTest, ALogDirectoryThatTakesNoFileIsAFailureNamingItAndTheReason)
         std::string setup, directory, reason;
     } cases[] = {
         {"mount -t tmpfs -o nr_inodes=1 tmpfs " + logs, logs, "No space left on device"}, // no free inode
+        {"mount -t tmpfs -o size=4k tmpfs " + logs + " && (head -c 8192 /dev/zero >" + logs +
+             "/full 2>/dev/null; true)",
+         logs, "No space left on device"}, // no free block
         {"mount -t tmpfs -o ro tmpfs " + logs, logs, "Read-only file system"},
         {"true", "/proc", "No such file or directory"},
     };
