@@ -41,7 +41,8 @@ public:
     {
         static const char* const kinds[] = {"reader added", "reader removed", "card inserted", "card removed"};
         const bool inserted = event.kind == ovo::io::CardEvent::cardInserted;
-        line(kinds[event.kind], "reader", event.reader, inserted ? "atr" : nullptr, hex(event.atr));
+        const std::string atr = hex(event.atr);
+        line(kinds[event.kind], "reader", event.reader, inserted ? &atr : nullptr);
         const auto known =
             std::find_if(present_.begin(), present_.end(), [&](const auto& r) { return r.first == event.reader; });
         if (event.kind == ovo::io::CardEvent::readerAdded)
@@ -61,23 +62,21 @@ public:
                 event(ovo::io::CardEvent{ovo::io::CardEvent::cardRemoved, reader, {}});
             event(ovo::io::CardEvent{ovo::io::CardEvent::readerRemoved, reader, {}});
         }
-        line("waiting for the service", "reason", reason, nullptr, std::string());
+        line("waiting for the service", "reason", reason);
     }
 
 private:
-    void line(const char* kind, const char* key, const std::string& text, const char* extraKey,
-              const std::string& extra)
+    // "TIME KIND: TEXT[, ATR ...]", or {"time":...,"event":KIND,KEY:TEXT[,"atr":...]}.
+    void line(const char* kind, const char* key, const std::string& text, const std::string* atr = nullptr)
     {
         const std::string time = timestampNow();
         if (json_)
             std::cout << "{\"time\":" << jsonString(time) << ",\"event\":" << jsonString(kind) << ",\"" << key
-                      << "\":" << jsonString(text)
-                      << (extraKey != nullptr ? ",\"" + std::string(extraKey) + "\":" + jsonString(extra)
-                                              : std::string())
-                      << "}" << std::endl;
+                      << "\":" << jsonString(text) << (atr != nullptr ? ",\"atr\":" + jsonString(*atr) : "") << "}"
+                      << std::endl;
         else
             std::cout << time.substr(11) << ' ' << kind << ": " << printable(text)
-                      << (extraKey != nullptr ? ", ATR " + extra : std::string()) << std::endl;
+                      << (atr != nullptr ? ", ATR " + *atr : "") << std::endl;
     }
 
     bool json_;
@@ -85,7 +84,7 @@ private:
 };
 
 // Waits up to the time, in short steps so that Ctrl-C is seen soon.
-void pause(std::chrono::milliseconds time)
+void sleepUnlessInterrupted(std::chrono::milliseconds time)
 {
     for (auto end = std::chrono::steady_clock::now() + time; !interrupted() && std::chrono::steady_clock::now() < end;)
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
@@ -101,15 +100,16 @@ int watchReaders(bool json)
     while (!interrupted()) {
         try {
             ovo::io::CardMonitor monitor; // a service back: its first events tell what is there
-            waiting = false;
-            for (ovo::io::CardEvent event; !interrupted();)
-                if (monitor.next(event, 200)) // short waits, so that Ctrl-C is seen soon
+            // Short waits, so that Ctrl-C is seen soon; each that the service answers ends
+            // the waiting for it.
+            for (ovo::io::CardEvent event; !interrupted(); waiting = false)
+                if (monitor.next(event, 200))
                     report.event(event);
         } catch (const std::exception& error) {
             if (!waiting)
                 report.serviceLost(pcscWords(error.what()));
             waiting = true;
-            pause(std::chrono::milliseconds(500));
+            sleepUnlessInterrupted(std::chrono::milliseconds(500));
         }
     }
     return 0;

@@ -1,7 +1,7 @@
 // What the tool does one way on POSIX systems and another on Windows: the command line,
 // interrupts, local time, files, the system's words, device paths, a second process and
-// pseudo-terminals. The commands above
-// this seam read alike on both; CMake picks tool_platform_posix.cpp or _windows.cpp.
+// pseudo-terminals. The commands above this seam read alike on both; CMake picks
+// tool_platform_posix.cpp or _windows.cpp.
 #ifndef OVO_TOOLS_OVO_TOOL_PLATFORM_H
 #define OVO_TOOLS_OVO_TOOL_PLATFORM_H
 
