@@ -43,6 +43,9 @@ ovo() {
 
 check "--help" "0 usage: ovo SUBCOMMAND [OPTIONS] [WORDS...]" "$(ovo --help | head -2 | tr '\n' ' ' | sed 's/ $//')"
 check "a usage mistake" $'2\novo serial: --port needs device=NAME; see ovo serial --help' "$(ovo serial send 01)"
+# Wine's Smart Card side is a stub: the service's code in the tool's one wording.
+check "readers without the service" \
+    $'1\novo readers: the Smart Card service failed inside; is it running? (SCard error 0x80100001)' "$(ovo readers)"
 
 # One process watches the channel, a second sends to it; Ctrl-C (SIGINT, which Wine turns
 # into CTRL_C_EVENT) ends the watch, which logs that it was interrupted, with status 0.
