@@ -26,6 +26,7 @@
 #include <ovo/io/card_monitor.h>
 #include <ovo/io/enumeration.h>
 #include <ovo/io/pcsc.h>
+#include <ovo/io/reader_status.h>
 #include <ovo/io/serial_config.h>
 #include <ovo/io/serial_io.h>
 #include <ovo/io/serial_ports.h>

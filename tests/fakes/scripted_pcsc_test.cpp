@@ -1,8 +1,10 @@
-// pcsc and the reader enumeration against scripted PC/SC calls: the arguments the library
+// pcsc, the reader enumeration and the reader states against scripted PC/SC calls: the arguments the library
 // passes, and the answers a real service cannot be made to give.
 #include <ovo/io/enumeration.h>
 #include <ovo/io/pcsc.h>
+#include <ovo/io/reader_status.h>
 #include <ovo/logger/logger.h>
+#include <ovo/strings.h>
 
 #include "fakes/scripted_pcsc.h"
 #include "support/failure_of.h"
@@ -131,4 +133,41 @@ TEST_F(ScriptedService, EnumerationWalksTheListAndReleasesWhatItTook)
         EXPECT_EQ(enumeratePCSCDevices(), c.readers);
         EXPECT_EQ(pcscScript().calls, c.calls);
     }
+}
+
+// What the service's state bits say of each card, and a look that fails as a whole.
+TEST_F(ScriptedService, ReaderStatesTellTheCardFromTheServiceAlone)
+{
+    const struct {
+        std::uint32_t state;
+        std::string shown; // present, exclusive, in use, mute, unavailable; the ATR
+    } cases[] = {
+        {0x12, "-----"},
+        {0x22, "P---- 3B 02 14 50"},
+        {0xA2, "PX--- 3B 02 14 50"},
+        {0x122, "P-U-- 3B 02 14 50"},
+        {0x222, "P--M-"},
+        {0x8, "----N"},
+    };
+    for (const auto& c : cases) {
+        pcscScript().eventState = c.state;
+        const std::vector<ReaderStatus> statuses = readerStatuses();
+        ASSERT_EQ(statuses.size(), 2u);
+        const ReaderStatus& a = statuses[0];
+        std::string shown = {a.cardPresent ? 'P' : '-', a.exclusive ? 'X' : '-', a.inUse ? 'U' : '-',
+                             a.mute ? 'M' : '-', a.unavailable ? 'N' : '-'};
+        for (unsigned char byte : a.atr)
+            shown += ovo::format(" %02X", byte);
+        EXPECT_EQ(a.reader + ": " + shown, std::string(readerA) + ": " + c.shown);
+        EXPECT_EQ(statuses[1].reader, "Reader B 01 00");
+    }
+    EXPECT_EQ(pcscScript().calls.back(), "SCardReleaseContext(C0C)");
+
+    auto& failures = pcscScript().failures;
+    failures = {{"SCardListReaders", 0x8010002Eu}};
+    EXPECT_TRUE(readerStatuses().empty()) << "no reader is no failure";
+    failures = {{"SCardGetStatusChange", 0x80100009u}}; // a reader that went, every time
+    EXPECT_EQ(failureOf([] { readerStatuses(); }), "::SCardGetStatusChange() failed: SCard error: 0x80100009");
+    failures = {{"SCardEstablishContext", 0x8010001Du}};
+    EXPECT_EQ(failureOf([] { readerStatuses(); }), "::SCardEstablishContext() failed: SCard error: 0x8010001D");
 }

@@ -46,6 +46,10 @@ public:
     }
     ~VirtualCard() { stop(); }
 
+    // Stops the card process as a card that no longer answers, and lets it go on again.
+    void pause() { ::kill(pid_, SIGSTOP); }
+    void resume() { ::kill(pid_, SIGCONT); }
+
     void stop()
     {
         if (pid_ <= 0)

@@ -1,20 +1,22 @@
 // The ovo tool as a user runs it: its words, its output and its exit status, against
-// files, a pseudo-terminal pair, a real message channel and the virtual card.
+// files, a pseudo-terminal pair, a real message channel, the virtual card, and (as root)
+// file systems, a sysfs tree and a PC/SC service of the test's own in private namespaces.
 #include "support/log_file_name.h"
 #include "support/process.h"
+#include "support/sysfs_tree.h"
 #include "support/temp_dir.h"
 #include "support/virtual_card.h"
 
-#include <ovo/io/serial_ports.h>
 #include <ovo/ipc/message_channel.h>
 
+#include <PCSC/winscard.h>
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
 #include <map>
+#include <poll.h>
 #include <pty.h>
 #include <regex>
-#include <sstream>
 #include <tuple>
 
 namespace {
@@ -40,9 +42,18 @@ std::map<std::string, std::vector<std::string>> jsonValues(const std::string& te
 
 class OvoToolTest : public ::testing::Test {
 protected:
-    ToolRun ovo(const std::vector<std::string>& args)
+    ToolRun ovo(const std::vector<std::string>& args) { return ovoThrough("", args); }
+
+    // The tool in a private mount namespace, after the shell commands of `setup` (root only).
+    ToolRun ovoAfter(const std::string& setup, const std::vector<std::string>& args)
     {
-        std::string command = "timeout -s KILL 30 \"" + ovo_test::siblingProgram("ovo") + "\""; // a hang fails
+        return ovoThrough("unshare -m --propagation private sh -c '" + setup + " && exec \"$0\" \"$@\"' ", args);
+    }
+
+    // The tool started by the launcher's words.
+    ToolRun ovoThrough(const std::string& launcher, const std::vector<std::string>& args)
+    {
+        std::string command = "timeout -s KILL 30 " + launcher + "\"" + ovo_test::siblingProgram("ovo") + "\"";
         for (const std::string& arg : args)
             command += " '" + arg + "'";
         const std::string out = path("out"), err = path("err");
@@ -76,6 +87,10 @@ protected:
     int peer_ = -1, port_ = -1;
 };
 
+#define OVO_NEEDS_ROOT()                                                                                               \
+    if (geteuid() != 0)                                                                                                \
+    GTEST_SKIP() << "needs root, for private mount namespaces"
+
 TEST_F(OvoToolTest, HelpNamesEverySubcommandAndEachHasItsOwn)
 {
     const ToolRun help = ovo({"--help"});
@@ -84,8 +99,11 @@ TEST_F(OvoToolTest, HelpNamesEverySubcommandAndEachHasItsOwn)
         EXPECT_NE(help.out.find("  " + name), std::string::npos) << name;
         const ToolRun own = ovo({name, "--help"});
         EXPECT_TRUE(own.status == 0 && own.out.rfind("usage: ovo " + name, 0) == 0 &&
-                    own.out.find("--log-level=N") != std::string::npos)
+                    own.out.find("\n  --log-level=N  ") != std::string::npos &&
+                    own.out.find("\n  --log-dir=DIR  ") != std::string::npos)
             << own.out;
+        // Each value says what it is; the options between the tool's own processes stay hidden.
+        EXPECT_EQ(std::regex_search(own.out, std::regex("--(?!text=)[a-z-]+=TEXT|answer-on")), false) << own.out;
     }
     EXPECT_EQ(ovo({}).status, 2);
     EXPECT_EQ(ovo({"bogus"}), (ToolRun{2, "", "ovo: unknown subcommand 'bogus'; see ovo --help\n"}));
@@ -117,7 +135,13 @@ TEST_F(OvoToolTest, MistakesGiveStatus2AndFailuresStatus1WithOneLineThatSaysWhy)
         {{"script", directory}, 1, "cannot read '" + directory + "': Is a directory"},
         {{"hexdump", "--log-dir=/dev/null", "/dev/null"}, 1, "cannot log into '/dev/null': Not a directory"},
         {{"serial", "--port=device=ovo_nosuch", "send", "01"}, 1, "no such serial device: /dev/ovo_nosuch"},
-        {{"serial", "--port=device=/dev/null", "recv", "1"}, 1, "/dev/null is not a serial device: Incorrect function"},
+        {{"serial", "--port=device=/dev/null", "recv", "1"}, 1, "/dev/null is not a serial device (not a terminal)"},
+        {{"hexdump", "--log-dir=" + missing, "/dev/null"},
+         1,
+         "cannot log into '" + missing + "': No such file or directory"},
+        {{"channel", "c", "--size= 5000", "count"}, 2, "--size is a number from 4113 to 2147483647, not ' 5000'"},
+        {{"channel", "c", "--size=+5000", "count"}, 2, "--size is a number from 4113 to 2147483647, not '+5000'"},
+        {{"serial", "send", "01", "--port"}, 2, "--port needs its value: --port=SETTINGS"},
         {{"channel", ch, "send", "1", "01"},
          1,
          "channel '" + ch + "' exists with a smaller size; pass --size=4600 or less"},
@@ -140,6 +164,40 @@ TEST_F(OvoToolTest, HexdumpAndAScriptThatRunsItsLinesUntilOneFails)
               (ToolRun{2, dump + dump, path("script") + ":5: ovo apdu: bad hex '0G': invalid hex char 'G'\n"}));
     std::ofstream(path("nested")) << "script " << path("script") << "\n";
     EXPECT_EQ(ovo({"script", path("nested")}).status, 2);
+}
+
+// A NUL byte would cut every text made of the line short, and a line has a limit.
+TEST_F(OvoToolTest, AScriptRefusesALineWithANulByteOrLongerThanTheLimit)
+{
+    std::ofstream(path("nul"), std::ios::binary) << std::string("hexdump /dev/null\napdu \"00 A4\0 G\"\n", 32);
+    EXPECT_EQ(ovo({"script", path("nul")}),
+              (ToolRun{2, "", "ovo script: line 2 holds a NUL byte (column 12); no word of ovo can\n"}));
+    // A comment a byte over the limit, after one that fits with its line feed.
+    const std::size_t limit = 16 * 1024 * 1024;
+    std::ofstream(path("long"), std::ios::binary)
+        << "#" << std::string(limit - 1, 'x') << "\n#" << std::string(limit, 'y');
+    EXPECT_EQ(ovo({"script", path("long")}), (ToolRun{2, "", "ovo script: line 2 is longer than 16777216 bytes\n"}));
+}
+
+// "--port SETTINGS" as people type it does what "--port=SETTINGS" does.
+TEST_F(OvoToolTest, OptionsTakeTheirValueAfterEqualsOrAsTheNextWord)
+{
+    std::ofstream(path("data")) << "AB";
+    const std::vector<std::vector<std::string>> pairs[] = {
+        {{"serial", "--port=device=ovo_nosuch", "--timeout=5", "send", "01"},
+         {"serial", "--port", "device=ovo_nosuch", "--timeout", "5", "send", "01"}},
+        {{"apdu", "--reader=Nowhere 00 00", "00A4000C023F00"}, {"apdu", "--reader", "Nowhere 00 00", "00A4000C023F00"}},
+        {{"channel", "c", "--size=4113", "count"}, {"channel", "c", "--size", "4113", "count"}},
+        {{"hexdump", "--log-dir=" + path(""), "--log-level=0", path("data")},
+         {"hexdump", "--log-dir", path(""), "--log-level", "0", path("data")}},
+    };
+    for (const auto& forms : pairs) {
+        const ToolRun joined = ovo(forms[0]);
+        EXPECT_NE(joined.status, 2) << joined.err; // no mistake in the words either way
+        EXPECT_EQ(ovo(forms[1]), joined) << forms[0][0];
+    }
+    EXPECT_NE(ovo_test::readFile(path(ovo_test::todaysLogFile("ovo"))).find("reading " + path("data")),
+              std::string::npos);
 }
 
 TEST_F(OvoToolTest, ChannelMessagesGoBothWaysAndAreWatchedUntilInterrupted)
@@ -218,31 +276,79 @@ TEST_F(OvoToolTest, SerialTransfersEndWithinTheTimeoutOfTheWholeCommand)
         EXPECT_TRUE(took >= c.least && took <= c.most) << took << " ms";
     }
 
-    // A peer that does not read takes what fits, and --timeout=0 waits for nothing more.
+    // A peer that does not read takes what fits, and --timeout=0 waits for nothing more:
+    // the count the tool tells is what the peer finds.
     const ToolRun run = ovo({"serial", settings, "--timeout=0", "send", std::string(120000, '7')});
-    const std::string took = run.out.substr(5, run.out.find(' ', 5) - 5) + " of 60000 bytes\n";
+    std::size_t arrived = 0;
+    char piece[4096];
+    for (pollfd ready{peer_, POLLIN, 0}; poll(&ready, 1, 300) == 1;) { // until 300 ms of quiet
+        const ssize_t count = read(peer_, piece, sizeof piece);
+        if (count <= 0)
+            break;
+        arrived += static_cast<std::size_t>(count);
+    }
+    const std::string took = std::to_string(arrived) + " of 60000 bytes\n";
+    EXPECT_TRUE(arrived > 0 && arrived < 60000) << arrived;
     EXPECT_EQ(run, (ToolRun{1, "sent " + took, "ovo serial: the device took " + took}));
 }
 
-TEST_F(OvoToolTest, PortsAsATableAndAsJsonShowWhatTheLibraryFinds)
+// The sysfs tree of the library's tests in place of the machine's, with a serial number
+// that is no UTF-8 and a product name with an escape sequence in it.
+TEST_F(OvoToolTest, PortsAsATableAndAsJsonInNaturalOrderWithStrangeBytesMadeHarmless)
 {
-    const std::string json = ovo({"ports", "--json"}).out;
-    EXPECT_TRUE(json.front() == '[' && json.substr(json.size() - 2) == "]\n") << json;
-    auto values = jsonValues(json);
-    std::istringstream table(ovo({"ports"}).out);
-    std::string header, line;
-    std::getline(table, header);
-    std::size_t i = 0;
-    for (const ovo::io::SerialPortInfo& port : ovo::io::listSerialPorts()) {
-        EXPECT_EQ(values["name"].at(i) + "|" + values["description"].at(i), port.deviceName + "|" + port.description);
-        ASSERT_TRUE(std::getline(table, line));
-        EXPECT_EQ(line.rfind(port.deviceName + " ", 0), 0u) << line;
-        const std::size_t column = header.find("DESCRIPTION");
-        EXPECT_EQ(line.find(port.description, port.deviceName.size()), column) << line;
-        ++i;
-    }
-    EXPECT_EQ(values["name"].size(), i);
-    EXPECT_FALSE(std::getline(table, line));
+    OVO_NEEDS_ROOT();
+    ovo_test::buildSysfsTree(dir_.path());
+    std::ofstream(path(ovo_test::usbBus + "1-2/serial")) << "A5\xE9\n";
+    std::ofstream(path(ovo_test::usbBus + "1-2/product")) << "FT232R\x1B[2J\n";
+    std::ofstream(path(ovo_test::usbBus + "1-5/product")) << "Contrôleur série\n"; // two characters of two bytes
+    const std::string machine = "mount --bind " + path("sys") + " /sys && mount --bind " + path("dev") + " /dev";
+    const std::string byId = "/dev/serial/by-id/usb-";
+    EXPECT_EQ(ovoAfter(machine, {"ports"}),
+              (ToolRun{0,
+                       "NAME      DESCRIPTION              VID:PID    SERIAL  STABLE PATH\n"
+                       "ttyACM0   u-blox GNSS receiver     1546:01a8          " +
+                           byId +
+                           "u-blox_AG_u-blox_GNSS_receiver-if00\n"
+                           "ttyACM9   LTE modem - AT commands  1546:1102\n"
+                           "ttyACM10  LTE modem - GNSS data    1546:1102\n"
+                           "ttyS0     16550A UART\n"
+                           "ttyUSB0   FT232R\\x1B[2J            0403:6001  A5\\xE9  " +
+                           byId +
+                           "FTDI_FT232R_USB_UART_A50285BI-if00-port0\n"
+                           "ttyUSB10  Contrôleur série         067b:2303\n",
+                       ""}));
+    const std::string json = ovoAfter(machine, {"ports", "--json"}).out;
+    const std::string ftdi = "{\"name\":\"ttyUSB0\",\"description\":\"FT232R\\u001B[2J\",\"vendorId\":\"0403\","
+                             "\"productId\":\"6001\",\"serialNumber\":\"A5\\uFFFD\",\"manufacturer\":\"FTDI\","
+                             "\"product\":\"FT232R\\u001B[2J\",\"interfaceNumber\":\"00\","
+                             "\"interfaceName\":\"FT232R serial\",\"stablePaths\":[\"" +
+                             byId +
+                             "FTDI_FT232R_USB_UART_A50285BI-if00-port0\",\"/dev/serial/by-path/"
+                             "pci-0000:00:14.0-usb-0:2:1.0-port0\"]}";
+    EXPECT_NE(json.find(",\n " + ftdi + ",\n "), std::string::npos) << json;
+    EXPECT_EQ(jsonValues(json)["name"],
+              (std::vector<std::string>{"ttyACM0", "ttyACM9", "ttyACM10", "ttyS0", "ttyUSB0", "ttyUSB10"}));
+}
+
+// A directory that passes every check of its mode and takes no file fails the command.
+TEST_F(OvoToolTest, ALogDirectoryThatTakesNoFileIsAFailureNamingItAndTheReason)
+{
+    OVO_NEEDS_ROOT();
+    const std::string logs = path("logs");
+    std::filesystem::create_directory(logs);
+    const struct {
+        std::string setup, directory, reason;
+    } cases[] = {
+        {"mount -t tmpfs -o nr_inodes=1 tmpfs " + logs, logs, "No space left on device"}, // no free inode
+        {"mount -t tmpfs -o size=4k tmpfs " + logs + " && (head -c 8192 /dev/zero >" + logs +
+             "/full 2>/dev/null; true)",
+         logs, "No space left on device"}, // no free block
+        {"mount -t tmpfs -o ro tmpfs " + logs, logs, "Read-only file system"},
+        {"true", "/proc", "No such file or directory"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(ovoAfter(c.setup, {"hexdump", "--log-dir=" + c.directory, "/dev/null"}),
+                  (ToolRun{1, "", "ovo hexdump: cannot log into '" + c.directory + "': " + c.reason + "\n"}));
 }
 
 // Needs pcscd with the virtual reader; the virtual card starts here and the last test stops it.
@@ -265,16 +371,17 @@ protected:
 
     static inline std::unique_ptr<ovo_test::VirtualCard> card;
     static inline bool cardReady = false;
-    const std::string reader = ovo_test::readerName, atr = "3B 95 13 81 01 80 73 FF 01 00 0B";
+    const std::string reader = ovo_test::readerName, emptyReader = "Virtual PCD 00 01";
+    const std::string atr = "3B 95 13 81 01 80 73 FF 01 00 0B";
 };
 
 TEST_F(OvoToolCardTest, ReadersShowTheCardAndApduSucceedsOnlyWhenAllResponsesDo)
 {
-    const ToolRun readers = ovo({"readers"});
-    EXPECT_EQ(readers.status, 0);
-    EXPECT_EQ(readers.out.rfind(reader + ": card, ATR " + atr + "\n", 0), 0u) << readers.out;
-    auto json = jsonValues(ovo({"readers", "--json"}).out);
-    EXPECT_EQ(json["reader"].at(0) + " " + json["card"].at(0) + " " + json["atr"].at(0), reader + " true " + atr);
+    EXPECT_EQ(ovo({"readers"}), (ToolRun{0, reader + ": card, ATR " + atr + "\n" + emptyReader + ": no card\n", ""}));
+    const std::string flags = "\"exclusive\":false,\"inUse\":false,\"mute\":false,\"unavailable\":false}";
+    EXPECT_EQ(ovo({"readers", "--json"}).out, "[{\"reader\":\"" + reader + "\",\"card\":true,\"atr\":\"" + atr + "\"," +
+                                                  flags + ",\n {\"reader\":\"" + emptyReader +
+                                                  "\",\"card\":false,\"atr\":\"\"," + flags + "]\n");
     const std::string select = "-> 00 A4 00 0C 02 3F 00\n<- 90 00  9000: success\n";
     EXPECT_EQ(ovo({"apdu", "00 A4 00 0C 02 3F 00"}), (ToolRun{0, select, ""}));
     const ToolRun run = ovo({"apdu", "--reader=Virtual PCD 00 00", "00A4000C021234", "00B0000010", "00A4000C023F00"});
@@ -282,8 +389,38 @@ TEST_F(OvoToolCardTest, ReadersShowTheCardAndApduSucceedsOnlyWhenAllResponsesDo)
     EXPECT_NE(run.out.find("<- 6A 82  6A82: file or application not found\n"), std::string::npos) << run.out;
     EXPECT_NE(run.out.find("<- 69 86  6986: command not allowed (no current EF)\n"), std::string::npos) << run.out;
     EXPECT_EQ(run.err, "ovo apdu: a response was no success\n");
-    const std::string noReader = ovo({"apdu", "--reader=Nowhere", "00A4000C023F00"}).err;
-    EXPECT_EQ(noReader.rfind("ovo apdu: no reader 'Nowhere'; the readers are 'Virtual PCD 00 00'", 0), 0u);
+    EXPECT_EQ(ovo({"apdu", "--reader=Nowhere", "00A4000C023F00"}).err,
+              "ovo apdu: no reader 'Nowhere'; the readers are '" + reader + "', '" + emptyReader + "'\n");
+    EXPECT_EQ(ovo({"apdu", "--reader=" + emptyReader, "00A4000C023F00"}).err,
+              "ovo apdu: no card in '" + emptyReader + "'\n");
+}
+
+// A card that another program holds, or that stopped answering, is listed from what the
+// service knows: no connection is tried, so nothing fails and nothing waits.
+TEST_F(OvoToolCardTest, ReadersListACardHeldExclusivelyOrStoppedWithoutConnectingToIt)
+{
+    SCARDCONTEXT context = 0;
+    SCARDHANDLE holder = 0;
+    DWORD protocol = 0;
+    ASSERT_EQ(SCardEstablishContext(SCARD_SCOPE_USER, nullptr, nullptr, &context), SCARD_S_SUCCESS);
+    ASSERT_EQ(SCardConnect(context, reader.c_str(), SCARD_SHARE_EXCLUSIVE, SCARD_PROTOCOL_T0 | SCARD_PROTOCOL_T1,
+                           &holder, &protocol),
+              SCARD_S_SUCCESS);
+    const std::string others = emptyReader + ": no card\n";
+    EXPECT_EQ(ovo({"readers"}),
+              (ToolRun{0, reader + ": card, ATR " + atr + ", in use by another program (exclusive)\n" + others, ""}));
+    EXPECT_EQ(jsonValues(ovo({"readers", "--json"}).out)["exclusive"], (std::vector<std::string>{"true", "false"}));
+    EXPECT_EQ(ovo({"apdu", "00A4000C023F00"}),
+              (ToolRun{1, "",
+                       "ovo apdu: another program holds the card exclusively; end it or wait for it "
+                       "(SCard error 0x8010000B)\n"}));
+    SCardDisconnect(holder, SCARD_LEAVE_CARD);
+    SCardReleaseContext(context);
+
+    card->pause();
+    const ToolRun stopped = ovo({"readers"});
+    card->resume();
+    EXPECT_EQ(stopped, (ToolRun{0, reader + ": card, ATR " + atr + "\n" + others, ""}));
 }
 
 TEST_F(OvoToolCardTest, TheDemoRunsEveryPartAndSaysWhereTheLogIs)
@@ -315,6 +452,109 @@ TEST_F(OvoToolCardTest, ReadersWatchShowsWhatIsThereAndTheCardGoing)
     const std::regex json("(^|\n)" + date + time + "\",\"event\":\"card removed" + jsonReader + "\"\\}\n");
     EXPECT_TRUE(std::regex_search(ovo_test::readFile(path("watch")), text));
     EXPECT_TRUE(std::regex_search(ovo_test::readFile(path("watch.json")), json));
+}
+
+// A world of the test's own, in which a PC/SC service comes and goes beside the suite's:
+// private mounts (a /run of its own for the service's socket) and a private network (a
+// loopback of its own for the virtual reader's driver).
+class OvoToolServiceTest : public OvoToolTest {
+protected:
+    void SetUp() override
+    {
+        if (geteuid() != 0 || access("/usr/sbin/pcscd", X_OK) != 0)
+            GTEST_SKIP() << "needs root and pcscd, for a PC/SC service of the test's own in private namespaces";
+        world_.reset(
+            new ovo_test::ChildProcess("/usr/bin/unshare", {"-m", "-n", "--propagation", "private", "sh", "-c",
+                                                            "ip link set lo up && mount -t tmpfs tmpfs /run && "
+                                                            "mkdir /run/pcscd && echo $$ >" +
+                                                                path("world") + " && exec sleep 600"}));
+        ASSERT_TRUE(shows(path("world"), "\n"));
+        enter_ = {"-t", std::to_string(std::stoi(ovo_test::readFile(path("world")))), "-m", "-n"};
+    }
+
+    std::vector<std::string> inside(std::vector<std::string> words) const
+    {
+        words.insert(words.begin(), enter_.begin(), enter_.end());
+        return words;
+    }
+    ToolRun ovoInside(const std::vector<std::string>& args)
+    {
+        std::string launcher = "nsenter";
+        for (const std::string& word : enter_)
+            launcher += " " + word;
+        return ovoThrough(launcher + " ", args);
+    }
+
+    // The service, with the pid that a stop signal goes to; stopped at the end of the scope.
+    struct Service {
+        std::unique_ptr<ovo_test::ChildProcess> process;
+        pid_t pid;
+    };
+    Service startService()
+    {
+        const std::string pidFile = path("service" + std::to_string(++services_));
+        Service service{std::make_unique<ovo_test::ChildProcess>(
+                            "/usr/bin/nsenter",
+                            inside({"sh", "-c", "echo $$ >" + pidFile + " && exec pcscd -f -a >/dev/null 2>&1"})),
+                        0};
+        EXPECT_TRUE(shows(pidFile, "\n"));
+        service.pid = std::stoi(ovo_test::readFile(pidFile));
+        return service;
+    }
+
+    std::unique_ptr<ovo_test::ChildProcess> world_;
+    std::vector<std::string> enter_;
+    int services_ = 0;
+};
+
+TEST_F(OvoToolServiceTest, ReadersWatchWaitsOnceForTheServiceAndReportsWhatIsThereWhenItIsBack)
+{
+    ovo_test::ChildProcess watch("/usr/bin/nsenter", inside({ovo_test::siblingProgram("ovo"), "readers", "--watch"}),
+                                 path("watch"));
+    const auto times = [&](const std::string& text) {
+        const std::string output = ovo_test::readFile(path("watch"));
+        std::size_t count = 0;
+        for (std::size_t at = output.find(text); at != std::string::npos; at = output.find(text, at + 1))
+            ++count;
+        return count;
+    };
+    const auto reaches = [&](const std::string& text, std::size_t count) {
+        return ovo_test::waitUntil([&] { return times(text) >= count; }, std::chrono::seconds(20), milliseconds(20));
+    };
+    const std::string waiting = "waiting for the service: ", added = "reader added: Virtual PCD 00 01\n";
+    EXPECT_TRUE(reaches(waiting, 1));
+    {
+        Service first = startService();
+        EXPECT_TRUE(reaches(added, 1));
+        first.process->interrupt();
+    }
+    EXPECT_TRUE(reaches(waiting, 2));
+    std::this_thread::sleep_for(std::chrono::seconds(1)); // the watch asks again and again, and says nothing
+    Service second = startService();
+    EXPECT_TRUE(reaches(added, 2));
+    EXPECT_EQ(watch.interrupt(), 0);
+
+    const std::string shown =
+        std::regex_replace(ovo_test::readFile(path("watch")), std::regex("(^|\n)\\d\\d:\\d\\d:\\d\\d\\.\\d{3} "), "$1");
+    const std::string readers = "reader added: Virtual PCD 00 00\n" + added;
+    const std::string gone = "reader removed: Virtual PCD 00 00\nreader removed: Virtual PCD 00 01\n" + waiting;
+    const std::string notRunning = "the PC/SC service (pcscd) is not running; start it (SCard error 0x8010001D)\n";
+    EXPECT_EQ(shown.rfind(waiting + notRunning, 0), 0u) << shown;
+    // What the service's going says depends on where it found the watch.
+    const std::string reason = "REASON (SCard error CODE)\n";
+    EXPECT_EQ(std::regex_replace(shown, std::regex(": [^\n]+ \\(SCard error 0x8010[0-9A-F]{4}\\)\n"), ": " + reason),
+              waiting + reason + readers + gone + reason + readers);
+}
+
+TEST_F(OvoToolServiceTest, ReadersEndWithinTheirBoundWhenTheServiceDoesNotAnswer)
+{
+    Service service = startService();
+    EXPECT_TRUE(ovo_test::waitUntil([&] { return ovoInside({"readers"}).status == 0; }, std::chrono::seconds(20),
+                                    milliseconds(200)));
+    kill(service.pid, SIGSTOP);
+    const ToolRun stopped = ovoInside({"readers"});
+    kill(service.pid, SIGCONT);
+    EXPECT_EQ(stopped, (ToolRun{1, "", "ovo readers: the PC/SC service (pcscd) did not answer within 5 seconds\n"}));
 }
 
 } // namespace

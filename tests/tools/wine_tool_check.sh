@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
 # ovo.exe of a Windows 64-bit build under Wine, in the build's own prefix: help and a
 # usage mistake, a channel between two Windows processes (the watcher ended by Ctrl-C),
-# serial send and receive over a pseudo-terminal that Wine maps to COM7, and a script.
+# text beyond the ANSI code page in words, file names and messages, serial send and
+# receive over a pseudo-terminal that Wine maps to COM7, and a script.
 #   wine_tool_check.sh BUILD_DIR
 set -uo pipefail
+export LC_ALL=C.UTF-8 # the words go to Wine as UTF-8
 build=$(realpath "$1")
 wine=$build/run-under-wine.sh
 ovo=$build/bin/ovo.exe
@@ -41,6 +43,9 @@ ovo() {
 
 check "--help" "0 usage: ovo SUBCOMMAND [OPTIONS] [WORDS...]" "$(ovo --help | head -2 | tr '\n' ' ' | sed 's/ $//')"
 check "a usage mistake" $'2\novo serial: --port needs device=NAME; see ovo serial --help' "$(ovo serial send 01)"
+# Wine's Smart Card side is a stub: the service's code in the tool's one wording.
+check "readers without the service" \
+    $'1\novo readers: the Smart Card service failed inside; is it running? (SCard error 0x80100001)' "$(ovo readers)"
 
 # One process watches the channel, a second sends to it; Ctrl-C (SIGINT, which Wine turns
 # into CTRL_C_EVENT) ends the watch, which logs that it was interrupted, with status 0.
@@ -48,13 +53,23 @@ check "a usage mistake" $'2\novo serial: --port needs device=NAME; see ovo seria
 watcher=$!
 sleep 1
 check "channel send" $'0\nsent 6 bytes with identifier 7' "$(ovo channel wine-check send 7 '00 01 7F 80 FF 0A')"
+# The same words send the same bytes as on Linux: UTF-8, whatever the ANSI code page holds.
+check "channel send, text beyond the code page" $'0\nsent 9 bytes with identifier 8' \
+    "$(ovo channel wine-check send 8 --text '日本€')"
 sleep 0.5
 kill -INT "$watcher"
 for _ in $(seq 50); do kill -0 "$watcher" 2>/dev/null && sleep 0.1; done
 kill -9 "$watcher" 2>/dev/null
 wait "$watcher"
-check "channel watch, ended by Ctrl-C" $'0\n00 01 7F 80 FF 0A\n1' \
+check "channel watch, ended by Ctrl-C" $'0\n00 01 7F 80 FF 0A\nE6 97 A5 E6 9C AC E2 82 AC\n1' \
     "$(echo $?; tr -d '\r' <"$work/watch"; grep -c "interrupted: the watch of 'wine-check' ends" "$work/watch.log")"
+
+# A file name and a message in UTF-8, both ways through the tool.
+printf 'AB' >"$work/日本€"
+check "hexdump of a file named beyond the code page" \
+    $'0\n00000000  41 42                                           | AB              ' "$(ovo hexdump "Z:$work/日本€")"
+check "a message naming it" $'1\novo hexdump: cannot open \'Z:/nowhere/日本€\': No such file or directory' \
+    "$(ovo hexdump 'Z:/nowhere/日本€')"
 
 # A pseudo-terminal pair: Wine opens one end as COM7, this script plays the device on the other.
 socat -d -d pty,raw,echo=0 pty,raw,echo=0 2>"$work/socat" &
@@ -72,7 +87,8 @@ wait "$reader"
 check "serial send, what the device got" "02 41 00 03" "$(od -An -tx1 "$work/device" | tr a-f A-F | sed 's/^ //')"
 (sleep 1 && printf '\006\000\377' >"${ptys[1]}") &
 check "serial recv" $'0\n06 00 FF' "$(ovo serial "$port" --timeout=10000 recv 3)"
-check "serial recv, nothing comes" $'1\n(nothing)\novo serial: received 0 of 1 bytes' "$(ovo serial "$port" --timeout=200 recv 1)"
+check "serial recv, nothing comes" $'1\n(nothing)\novo serial: received 0 of 1 bytes' \
+    "$(ovo serial --port "${port#--port=}" --timeout 200 recv 1)"
 # The demo: its second process started by CreateProcess, its serial part against the device
 # here that answers 02 41 03 with 06; Wine's PC/SC side has no reader.
 (timeout 20 head -c 3 "${ptys[1]}" >/dev/null && printf '\006' >"${ptys[1]}") &

@@ -1,26 +1,32 @@
 // ovo readers, ovo apdu: the PC/SC readers and the cards in them.
 #include "json.h"
+#include "shown_text.h"
 #include "tool.h"
 
 #include <ovo/io/apdu.h>
-#include <ovo/io/card_monitor.h>
-#include <ovo/io/enumeration.h>
 #include <ovo/io/pcsc.h>
+#include <ovo/io/reader_status.h>
 #include <ovo/strings.h>
 
 #include <algorithm>
 #include <chrono>
-#include <ctime>
+#include <future>
 #include <iostream>
+#include <thread>
 
 namespace ovo_tool {
 namespace {
 
 const char readersHelp[] =
     "usage: ovo readers [--watch] [--json] [OPTIONS]\n"
-    "Lists the PC/SC readers, whether a card is present, and its ATR. With --watch, first\n"
-    "what is there, then one line per reader added or removed and card inserted or\n"
-    "removed, with the time, until Ctrl-C.\n"
+    "Lists the PC/SC readers with the state of their cards and the ATRs, as the service\n"
+    "reports them: a card that another program holds (exclusively or shared), a mute card\n"
+    "(no answer to reset) and an unavailable reader show as such; no card is connected.\n"
+    "A service that does not answer within 5 seconds ends the command with a failure.\n"
+    "With --watch, first what is there, then one line per reader added or removed and\n"
+    "card inserted or removed, with the time, until Ctrl-C. The watch outlives the\n"
+    "service: when it stops, the watch reports its readers gone, says once that it waits,\n"
+    "and reports what is there when the service is back.\n"
     "examples: ovo readers\n"
     "          ovo readers --watch --json\n";
 
@@ -28,71 +34,65 @@ const char apduHelp[] =
     "usage: ovo apdu [--reader=NAME] [OPTIONS] HEX...\n"
     "Sends each command unit in order to the card (the first reader without --reader)\n"
     "and prints the response and the meaning of its status word. Exit status 0 only when\n"
-    "every response was a success (90 00 or 61 xx).\n"
+    "every response was a success: status word 90 xx, as the library's apdu::isSuccess()\n"
+    "counts (61 xx, more data to get, is no success).\n"
     "examples: ovo apdu 00A4040C023F00\n"
     "          ovo apdu --reader='Virtual PCD 00 00' '00 A4 00 0C 02 3F 00' '00 B0 00 00 10'\n";
 
-std::vector<std::string> readers()
+const std::chrono::seconds serviceBound(5);
+
+// The readers as the service reports them. The look runs on a thread of its own, left
+// behind when the service does not answer (stopped, stuck): the tool ends all the same.
+std::vector<ovo::io::ReaderStatus> readers()
 {
-    std::vector<std::string> names = ovo::io::enumeratePCSCDevices();
-    if (names.empty())
-        throw Failure(std::string("no PC/SC reader found (") + pcscServiceHint + ")");
-    return names;
+    std::packaged_task<std::vector<ovo::io::ReaderStatus>()> look(ovo::io::readerStatuses);
+    std::future<std::vector<ovo::io::ReaderStatus>> answer = look.get_future();
+    std::thread(std::move(look)).detach();
+    if (answer.wait_for(serviceBound) != std::future_status::ready)
+        throw Failure(ovo::format("%s did not answer within %lld seconds", pcscService,
+                                  static_cast<long long>(serviceBound.count())));
+    std::vector<ovo::io::ReaderStatus> statuses = answer.get();
+    if (statuses.empty())
+        throw Failure(ovo::format("%s knows no reader; plug one in", pcscService));
+    return statuses;
 }
 
-std::string chooseReader(const std::string& wanted)
+ovo::io::ReaderStatus chooseReader(const std::string& wanted)
 {
-    const std::vector<std::string> names = readers();
+    const std::vector<ovo::io::ReaderStatus> statuses = readers();
     if (wanted.empty())
-        return names.front();
-    if (std::find(names.begin(), names.end(), wanted) != names.end())
-        return wanted;
+        return statuses.front();
     std::string known;
-    for (const std::string& name : names)
-        known += (known.empty() ? "'" : ", '") + name + "'";
+    for (const ovo::io::ReaderStatus& status : statuses) {
+        if (status.reader == wanted)
+            return status;
+        known += (known.empty() ? "'" : ", '") + status.reader + "'";
+    }
     throw Failure("no reader '" + wanted + "'; the readers are " + known);
 }
 
-bool successful(const ovo::io::apdu& response)
+// "card, ATR 3B ..., in use by another program (exclusive)", "no card", ...
+std::string described(const ovo::io::ReaderStatus& status)
 {
-    return response.isSuccess() || response.sw1() == 0x61;
+    if (status.unavailable)
+        return "unavailable (the service cannot use it)";
+    if (!status.cardPresent)
+        return "no card";
+    if (status.mute)
+        return "card, mute (no answer to reset)";
+    const char* use = status.exclusive ? ", in use by another program (exclusive)"
+                      : status.inUse   ? ", in use by another program (shared)"
+                                       : "";
+    return "card, ATR " + hex(status.atr) + use;
 }
 
-// The local time now to the millisecond: "2026-11-23T18:30:00.123".
-std::string timestampNow()
+std::string jsonObject(const ovo::io::ReaderStatus& status)
 {
-    const auto now = std::chrono::system_clock::now();
-    const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
-    const auto millisecond =
-        std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count() % 1000;
-    const std::tm local = localTime(seconds);
-    char text[24] = {};
-    std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &local);
-    return ovo::format("%s.%03d", text, static_cast<int>(millisecond));
-}
-
-// One line an event, until Ctrl-C: "18:30:00.123 card inserted: READER, ATR 3B ...", or a
-// JSON object with the whole time.
-int watchReaders(bool json)
-{
-    static const char* const kinds[] = {"reader added", "reader removed", "card inserted", "card removed"};
-    watchInterrupts();
-    ovo::io::CardMonitor monitor;
-    ovo::io::CardEvent event;
-    while (!interrupted()) {
-        if (!monitor.next(event, 200)) // short waits, so that Ctrl-C is seen soon
-            continue;
-        const std::string time = timestampNow();
-        const bool inserted = event.kind == ovo::io::CardEvent::cardInserted;
-        if (json)
-            std::cout << "{\"time\":" << jsonString(time) << ",\"event\":" << jsonString(kinds[event.kind])
-                      << ",\"reader\":" << jsonString(event.reader)
-                      << (inserted ? ",\"atr\":" + jsonString(hex(event.atr)) : std::string()) << "}" << std::endl;
-        else
-            std::cout << time.substr(11) << ' ' << kinds[event.kind] << ": " << event.reader
-                      << (inserted ? ", ATR " + hex(event.atr) : std::string()) << std::endl;
-    }
-    return 0;
+    const auto flag = [](bool on) { return on ? "true" : "false"; };
+    return "{\"reader\":" + jsonString(status.reader) + ",\"card\":" + flag(status.cardPresent) +
+           ",\"atr\":" + jsonString(hex(status.atr)) + ",\"exclusive\":" + flag(status.exclusive) +
+           ",\"inUse\":" + flag(status.inUse) + ",\"mute\":" + flag(status.mute) +
+           ",\"unavailable\":" + flag(status.unavailable) + "}";
 }
 
 } // namespace
@@ -107,24 +107,15 @@ int readersCommand(const std::vector<std::string>& args)
     if (line.printedHelp(readersHelp))
         return 0;
     line.expectNoWords("ovo readers");
-    ovo::logger::ILogger& log = setUpLogging(line, "ovo.readers");
+    setUpLogging(line, "ovo.readers");
     if (watch)
         return watchReaders(json);
     std::string document = "[";
-    for (const std::string& name : readers()) {
-        ovo::io::pcsc reader(name, log);
-        Bytes atr;
-        const bool card = reader.isCardPresented();
-        if (card) {
-            reader.connect();
-            reader.cardStatus(atr);
-            reader.disconnect();
-        }
+    for (const ovo::io::ReaderStatus& status : readers()) {
         if (json)
-            document += std::string(document.size() > 1 ? ",\n " : "") + "{\"reader\":" + jsonString(name) +
-                        ",\"card\":" + (card ? "true" : "false") + ",\"atr\":" + jsonString(hex(atr)) + "}";
+            document += std::string(document.size() > 1 ? ",\n " : "") + jsonObject(status);
         else
-            std::cout << name << (card ? ": card, ATR " + hex(atr) : std::string(": no card")) << '\n';
+            std::cout << printable(status.reader) << ": " << described(status) << '\n';
     }
     if (json)
         std::cout << document << "]\n";
@@ -135,7 +126,7 @@ int apduCommand(const std::vector<std::string>& args)
 {
     CommandLine line;
     std::string readerName;
-    line.addText("reader", "the reader's name (see ovo readers)", readerName);
+    line.addText("reader", "NAME", "the reader's name (see ovo readers)", readerName);
     line.parse(args);
     if (line.printedHelp(apduHelp))
         return 0;
@@ -148,10 +139,10 @@ int apduCommand(const std::vector<std::string>& args)
             throw UsageError("a command unit has at least 4 bytes (CLA INS P1 P2): '" + word + "'");
     }
     ovo::logger::ILogger& log = setUpLogging(line, "ovo.apdu");
-    const std::string name = chooseReader(readerName);
-    ovo::io::pcsc reader(name, log);
-    if (!reader.isCardPresented())
-        throw Failure("no card in '" + name + "'");
+    const ovo::io::ReaderStatus chosen = chooseReader(readerName);
+    if (!chosen.cardPresent)
+        throw Failure("no card in '" + chosen.reader + "'");
+    ovo::io::pcsc reader(chosen.reader, log);
     reader.connect();
     bool allSucceeded = true;
     for (const Bytes& command : commands) {
@@ -161,7 +152,7 @@ int apduCommand(const std::vector<std::string>& args)
         std::cout << "-> " << hex(command) << "\n<- " << hex(bytes) << "  "
                   << ovo::format("%02X%02X", response.sw1(), response.sw2()) << ": "
                   << statusMeaning(response.sw1(), response.sw2()) << '\n';
-        allSucceeded = allSucceeded && successful(response);
+        allSucceeded = allSucceeded && response.isSuccess();
     }
     reader.disconnect();
     if (!allSucceeded)

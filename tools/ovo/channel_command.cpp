@@ -80,8 +80,9 @@ int channelCommand(const std::vector<std::string>& args)
     std::string text;
     bool textGiven = false;
     long size = 65536;
-    line.addText("text", "the body of a message to send, as text", text, &textGiven);
-    line.addNumber("size", "the channel's size in bytes (default 65536)", size, MessageChannel::minimumSize, 0x7FFFFFFF);
+    line.addText("text", "TEXT", "the body of a message to send, as text", text, &textGiven);
+    line.addNumber("size", "BYTES", "the channel's size in bytes (default 65536)", size, MessageChannel::minimumSize,
+                   0x7FFFFFFF);
     line.parse(args);
     if (line.printedHelp(channelHelp))
         return 0;

@@ -26,7 +26,9 @@ const char demoHelp[] =
     "of the master file, READ BINARY, GET CHALLENGE, the traffic traced), a message\n"
     "channel between two processes, and a serial exchange over a pseudo-terminal pair, or\n"
     "with --port over that port, whose device must answer 02 41 03 with 06 (Windows has\n"
-    "no pseudo-terminals: there the serial part needs --port).\n";
+    "no pseudo-terminals: there the serial part needs --port).\n"
+    "examples: ovo demo\n"
+    "          ovo demo --log-dir=/tmp --port='device=ttyUSB0;baud=115200'\n";
 
 const unsigned int channelSize = 8192;
 
@@ -40,7 +42,7 @@ const char* cardPart(ovo::logger::ILogger& log)
     say("A card: the first reader of the enumeration, connect, three command units");
     const std::vector<std::string> readers = ovo::io::enumeratePCSCDevices();
     if (readers.empty()) {
-        std::cout << "no PC/SC reader found (" << pcscServiceHint << ")\n";
+        std::cout << "no PC/SC reader found (is " << pcscService << " running?)\n";
         return notRun;
     }
     std::cout << "readers: " << readers.size() << ", taking '" << readers.front() << "'\n";
@@ -151,8 +153,8 @@ int demoCommand(const std::vector<std::string>& args)
 {
     CommandLine line;
     std::string port, answerChannel;
-    line.addText("port", "a serial port whose device answers (device=...;baud=...)", port);
-    line.addText("answer-on", "(the second process of the channel part)", answerChannel);
+    line.addText("port", "SETTINGS", "a serial port whose device answers (device=...;baud=...)", port);
+    line.addInternal("answer-on", answerChannel); // the second process of the channel part
     line.parse(args);
     if (line.printedHelp(demoHelp))
         return 0;

@@ -3,6 +3,7 @@
 #include "command_line.h"
 #include "tool_platform.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <unistd.h>
@@ -34,10 +35,11 @@ std::size_t InputFile::read(unsigned char* buffer, std::size_t size)
     return static_cast<std::size_t>(count);
 }
 
-bool InputFile::readLine(std::string& line)
+bool InputFile::readLine(std::string& line, std::size_t longest)
 {
-    std::size_t end;
-    while ((end = pending_.find('\n')) == std::string::npos && !ended_) {
+    std::size_t end, scanned = 0; // each byte is looked at once, however long the line
+    while ((end = pending_.find('\n', scanned)) == std::string::npos && !ended_ && pending_.size() <= longest) {
+        scanned = pending_.size();
         unsigned char chunk[4096];
         const std::size_t count = read(chunk, sizeof chunk);
         ended_ = count == 0;
@@ -45,8 +47,10 @@ bool InputFile::readLine(std::string& line)
     }
     if (pending_.empty())
         return false;
-    line = pending_.substr(0, end);
-    pending_.erase(0, end == std::string::npos ? end : end + 1);
+    const bool whole = end <= longest; // with its line feed
+    const std::size_t size = whole ? end : std::min(pending_.size(), longest + 1);
+    line.assign(pending_, 0, size);
+    pending_.erase(0, whole ? end + 1 : size);
     return true;
 }
 

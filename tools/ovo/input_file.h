@@ -18,8 +18,10 @@ public:
 
     // Up to size bytes; 0 at the end. Throws Failure "cannot read 'PATH': REASON".
     std::size_t read(unsigned char* buffer, std::size_t size);
-    // The next line without its line feed; false at the end.
-    bool readLine(std::string& line);
+    // The next line without its line feed; false at the end. A line longer than `longest`
+    // bytes comes cut after longest + 1 of them, the rest of it dropped: the caller tells
+    // it by the size.
+    bool readLine(std::string& line, std::size_t longest);
     // The path, or "standard input".
     const std::string& name() const { return name_; }
 

@@ -7,7 +7,8 @@
 
 namespace ovo_tool {
 
-// The text as a JSON string, quotes included: "a \"b\"\n" for a "b" and a line end.
+// The text as a JSON string, quotes included: "a \"b\"\n" for a "b" and a line end; a
+// byte that is no UTF-8 becomes the replacement character U+FFFD.
 std::string jsonString(const std::string& text);
 // ["a","b"]
 std::string jsonArray(const std::vector<std::string>& texts);

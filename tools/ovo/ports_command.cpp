@@ -1,5 +1,6 @@
 // ovo ports: the serial ports, what is behind each, and the path that finds it again.
 #include "json.h"
+#include "shown_text.h"
 #include "tool.h"
 
 #include <ovo/io/serial_ports.h>
@@ -14,7 +15,10 @@ const char portsHelp[] =
     "usage: ovo ports [--json] [OPTIONS]\n"
     "Lists the serial ports: name, description, USB vendor:product, serial number and the\n"
     "stable path, which names the same adapter after re-plugging and can stand as the\n"
-    "device of a serial setting (ovo serial --port=device=PATH).\n"
+    "device of a serial setting (ovo serial --port=device=PATH). A device with several\n"
+    "ports describes each as \"product - interface\". Control characters and bytes that\n"
+    "are no UTF-8 show as \\xHH in the table; in JSON a byte that is no UTF-8 becomes\n"
+    "U+FFFD.\n"
     "examples: ovo ports\n"
     "          ovo ports --json\n";
 
@@ -32,15 +36,16 @@ void printTable(const std::vector<ovo::io::SerialPortInfo>& ports)
 {
     std::vector<std::vector<std::string>> rows{{"NAME", "DESCRIPTION", "VID:PID", "SERIAL", "STABLE PATH"}};
     for (const ovo::io::SerialPortInfo& port : ports)
-        rows.push_back({port.deviceName, port.description, usbIds(port), port.serialNumber, firstStablePath(port)});
+        rows.push_back({printable(port.deviceName), printable(port.description), printable(usbIds(port)),
+                        printable(port.serialNumber), printable(firstStablePath(port))});
     std::vector<std::size_t> widths(rows[0].size(), 0);
     for (const auto& row : rows)
         for (std::size_t column = 0; column < row.size(); ++column)
-            widths[column] = std::max(widths[column], row[column].size());
+            widths[column] = std::max(widths[column], columns(row[column]));
     for (const auto& row : rows) {
         std::string line;
         for (std::size_t column = 0; column < row.size(); ++column)
-            line += row[column] + std::string(widths[column] + 2 - row[column].size(), ' ');
+            line += row[column] + std::string(widths[column] + 2 - columns(row[column]), ' ');
         std::cout << line.substr(0, line.find_last_not_of(' ') + 1) << '\n';
     }
 }

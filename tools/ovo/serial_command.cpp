@@ -15,10 +15,10 @@ namespace {
 
 const char serialHelp[] =
     "usage: ovo serial --port=SETTINGS [--timeout=MS] [OPTIONS] send HEX | recv N | monitor\n"
-    "SETTINGS is the serial configuration's text form, e.g. \"device=ttyUSB0;baud=9600;data=8;\n"
-    "parity=none;stop=1\" (device: a name under /dev, or an absolute path; on Windows a\n"
-    "port such as COM7; data: 5 to 8; parity: none, even or odd; stop: 1, 1.5 or 2; flow:\n"
-    "off, software or hardware).\n"
+    "SETTINGS is the serial configuration's text form, for example\n"
+    "\"device=ttyUSB0;baud=9600;data=8;parity=none;stop=1\" (device: a name under /dev, or\n"
+    "an absolute path; on Windows a port such as COM7; data: 5 to 8; parity: none, even\n"
+    "or odd; stop: 1, 1.5 or 2; flow: off, software or hardware).\n"
     "  send HEX   sends the bytes\n"
     "  recv N     waits up to the time-out for N bytes and prints them; exit status 1 when\n"
     "             fewer came\n"
@@ -55,7 +55,7 @@ std::unique_ptr<ovo::io::SerialIO> openDevice(const ovo::io::SerialConfig& confi
         const std::string path = serialDevicePath(config.deviceName());
         const unsigned long code = errorCode(error.what());
         if (std::string(error.what()).rfind("::GetCommState", 0) == 0)
-            throw Failure(path + " is not a serial device: " + systemWords(code));
+            throw Failure(path + " is not a serial device (" + systemWords(code) + ")");
         if (code == 2 || code == 3) // the file or the path not found
             throw Failure("no such serial device: " + path);
         throw Failure("cannot open " + path + ": " + systemWords(code));
@@ -69,8 +69,8 @@ int serialCommand(const std::vector<std::string>& args)
     CommandLine line;
     std::string port;
     long timeout = 1000;
-    line.addText("port", "the port's settings (device=...;baud=...;...)", port);
-    line.addNumber("timeout", "milliseconds the whole command may take (default 1000; 0: at once)", timeout, 0,
+    line.addText("port", "SETTINGS", "the port's settings (device=...;baud=...;...)", port);
+    line.addNumber("timeout", "MS", "milliseconds the whole command may take (default 1000; 0: at once)", timeout, 0,
                    0x7FFFFFFF);
     line.parse(args);
     if (line.printedHelp(serialHelp))

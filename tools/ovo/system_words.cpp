@@ -1,5 +1,7 @@
 #include "system_words.h"
 
+#include "tool_platform.h"
+
 #include <ovo/strings.h>
 
 #include <cctype>
@@ -15,9 +17,9 @@ unsigned long errorCode(const std::string& failure)
     return std::strtoul(failure.c_str() + start, nullptr, 10);
 }
 
-std::string systemWords(unsigned long code)
+std::string windowsWords(unsigned long code)
 {
-    // The codes the library's platform layer gives on Linux, and their Windows texts.
+    // The codes the library's platform layer gives on Linux, and Windows' texts for them.
     static const struct {
         unsigned long code;
         const char* words;
@@ -49,6 +51,46 @@ std::string systemWords(unsigned long code)
         if (entry.code == code)
             return entry.words;
     return ovo::format("system error %lu", code);
+}
+
+std::string pcscWords(const std::string& failure)
+{
+    const std::string marker = "SCard error: 0x";
+    const std::size_t at = failure.find(marker);
+    if (at == std::string::npos)
+        return std::string();
+    const unsigned long code = std::strtoul(failure.c_str() + at + marker.size(), nullptr, 16);
+    // The service's codes (SCARD_E_, _F_ and _W_) that a user of the tool meets.
+    static const struct {
+        unsigned long code;
+        const char* words; // %s: the service
+    } known[] = {
+        {0x80100001, "%s failed inside; is it running?"},
+        {0x80100002, "the wait for %s was cancelled"},
+        {0x80100006, "%s ran out of memory"},
+        {0x80100008, "the card's answer was longer than the room for it"},
+        {0x80100009, "%s knows no such reader; see ovo readers"},
+        {0x8010000A, "%s did not answer in time"},
+        {0x8010000B, "another program holds the card exclusively; end it or wait for it"},
+        {0x8010000C, "no card in the reader"},
+        {0x8010000F, "the card speaks neither T=0 nor T=1"},
+        {0x80100013, "the connection to %s broke; did it stop?"},
+        {0x80100016, "the reader could not pass the command to the card"},
+        {0x80100017, "the reader is not available; is it plugged in?"},
+        {0x8010001D, "%s is not running; start it"},
+        {0x8010001E, "%s stopped; start it again"},
+        {0x8010002E, "%s knows no reader; plug one in"},
+        {0x80100065, "the reader cannot use this card"},
+        {0x80100066, "the card does not answer (mute); take it out and put it in again"},
+        {0x80100067, "the card has no power; take it out and put it in again"},
+        {0x80100068, "another program reset the card; try again"},
+        {0x80100069, "the card was removed"},
+    };
+    std::string words = "%s failed";
+    for (const auto& entry : known)
+        if (entry.code == code)
+            words = entry.words;
+    return ovo::format(words.c_str(), pcscService) + ovo::format(" (SCard error 0x%08lX)", code);
 }
 
 } // namespace ovo_tool

@@ -92,7 +92,7 @@ std::string statusMeaning(unsigned char sw1, unsigned char sw2)
     case 0x90:
         return sw2 == 0 ? "success" : "success (proprietary)";
     case 0x61:
-        return ovo::format("success, %u more bytes to get", sw2 == 0 ? 256u : sw2);
+        return ovo::format("more data: %u bytes to get with GET RESPONSE", sw2 == 0 ? 256u : sw2);
     case 0x62:
         return sw2 == 0x82 ? "warning: end of file reached early" : "warning: memory unchanged";
     case 0x63:

@@ -25,6 +25,8 @@ int objectsCommand(const std::vector<std::string>& args);
 int hexdumpCommand(const std::vector<std::string>& args);
 int scriptCommand(const std::vector<std::string>& args);
 int demoCommand(const std::vector<std::string>& args);
+// ovo readers --watch, with --json or not; ends with Ctrl-C only.
+int watchReaders(bool json);
 // One command line of the tool, the subcommand first; gives its exit status. A failure
 // is one line on standard error, after the location of the line when it has one.
 int runCommandLine(const std::vector<std::string>& words, const std::string& location = std::string());

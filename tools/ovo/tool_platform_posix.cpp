@@ -1,13 +1,14 @@
+#include "system_words.h"
 #include "tool.h"
 #include "tool_platform.h"
 
 #include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <pty.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
@@ -17,6 +18,11 @@ namespace {
 std::atomic<bool> stopRequested{false};
 void requestStop(int) { stopRequested = true; }
 } // namespace
+
+std::vector<std::string> commandLineWords(int argc, char** argv)
+{
+    return std::vector<std::string>(argv + 1, argv + argc);
+}
 
 void watchInterrupts()
 {
@@ -35,12 +41,35 @@ std::tm localTime(std::time_t time)
 
 std::string unfitForLogs(const std::string& directory)
 {
-    struct stat status = {};
-    if (stat(directory.c_str(), &status) != 0)
+    std::string probe = directory + "/.ovo-log-probe-XXXXXX";
+    const int descriptor = mkstemp(&probe[0]);
+    if (descriptor < 0)
         return std::strerror(errno);
-    if (!S_ISDIR(status.st_mode))
-        return std::strerror(ENOTDIR);
-    return access(directory.c_str(), W_OK | X_OK) != 0 ? std::strerror(errno) : std::string();
+    const bool written = write(descriptor, "\n", 1) == 1; // a full file system may still make the file
+    const int error = errno;
+    close(descriptor);
+    unlink(probe.c_str());
+    return written ? std::string() : std::strerror(error);
+}
+
+std::string systemWords(unsigned long code)
+{
+    // The errno values that the library's layer turns into these codes; 1 is its "a handle,
+    // but no communication device".
+    static const struct {
+        unsigned long code;
+        int error;
+    } known[] = {
+        {2, ENOENT},  {3, ENOTDIR},  {4, EMFILE},   {5, EACCES},         {6, EBADF},
+        {8, ENOMEM},  {31, EIO},     {32, EBUSY},   {39, ENOSPC},        {80, EEXIST},
+        {87, EINVAL}, {112, ENOSPC}, {183, EEXIST}, {206, ENAMETOOLONG}, {1167, ENODEV},
+    };
+    if (code == 1)
+        return "not a terminal";
+    for (const auto& entry : known)
+        if (entry.code == code)
+            return std::strerror(entry.error);
+    return windowsWords(code); // what has no errno behind it: names Windows refuses, ...
 }
 
 int openForReading(const std::string& path) { return path == "-" ? STDIN_FILENO : open(path.c_str(), O_RDONLY); }
@@ -50,7 +79,7 @@ std::string serialDevicePath(const std::string& deviceName)
     return deviceName[0] == '/' ? deviceName : "/dev/" + deviceName;
 }
 
-const char* const pcscServiceHint = "is the PC/SC service, pcscd, running?";
+const char* const pcscService = "the PC/SC service (pcscd)";
 
 unsigned long currentProcessId() { return static_cast<unsigned long>(getpid()); }
 

@@ -52,7 +52,9 @@ public:
     unsigned char sw1() const;
     /// The last byte (the second status byte of a response), 0 for fewer than 2 bytes.
     unsigned char sw2() const;
-    /// Whether the unit is a successful response: sw1() == 0x90, whatever sw2() is.
+    /// Whether the unit is a successful response: sw1() == 0x90, whatever sw2() is. 61 xx
+    /// (more data to get) and the warnings 62 xx and 63 xx are no success; `ovo apdu`
+    /// counts alike.
     bool isSuccess() const;
 
 private:

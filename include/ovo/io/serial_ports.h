@@ -16,7 +16,8 @@ namespace io {
 struct SerialPortInfo {
     /// As SerialConfig::setDeviceName takes it: ttyUSB0, COM3.
     std::string deviceName;
-    /// The product's name, or what kind of port it is.
+    /// The product's name ("product - interface" for each port of a USB device with
+    /// several, where the interfaces have names), or what kind of port it is.
     std::string description;
     /// The USB vendor id, four lower-case hex digits: "0403".
     std::string vendorId;

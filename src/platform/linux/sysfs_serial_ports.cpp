@@ -2,6 +2,8 @@
 // leads to hardware. A USB adapter's identity lies in the directories above that device
 // (the interface, then the USB device); a UART has a `type`, 0 for a port the kernel only
 // reserves. Pseudo-terminals and consoles have no device at all.
+// A USB device with several ports (a two-port adapter, a modem with a port for commands
+// and one for data) shows each as "product - interface", where the interfaces have names.
 #include "platform/serial_ports.h"
 
 #include <algorithm>
@@ -16,13 +18,14 @@ namespace platform {
 
 namespace {
 
-// The first line of an attribute file; empty when there is none.
+// The first line of an attribute file without trailing blanks (USB strings often end in
+// some); empty when there is none.
 std::string attribute(const fs::path& file)
 {
     std::ifstream in(file);
     std::string line;
     std::getline(in, line);
-    return line;
+    return line.erase(line.find_last_not_of(" \t") + 1);
 }
 
 // The nearest directory from `start` upwards that has the attribute `marker`, not above
@@ -58,7 +61,8 @@ std::vector<std::string> linksTo(const fs::path& root, const std::string& kind, 
     return links;
 }
 
-void readUsbIdentity(const fs::path& device, const fs::path& top, io::SerialPortInfo& port)
+// Fills in the USB identity; gives the USB device's directory (empty for other ports).
+fs::path readUsbIdentity(const fs::path& device, const fs::path& top, io::SerialPortInfo& port)
 {
     const fs::path usbInterface = nearestWith(device, "bInterfaceNumber", top);
     if (!usbInterface.empty()) {
@@ -67,12 +71,13 @@ void readUsbIdentity(const fs::path& device, const fs::path& top, io::SerialPort
     }
     const fs::path usbDevice = nearestWith(device, "idVendor", top);
     if (usbDevice.empty())
-        return;
+        return usbDevice;
     port.vendorId = attribute(usbDevice / "idVendor");
     port.productId = attribute(usbDevice / "idProduct");
     port.serialNumber = attribute(usbDevice / "serial");
     port.manufacturer = attribute(usbDevice / "manufacturer");
     port.product = attribute(usbDevice / "product");
+    return usbDevice;
 }
 
 } // namespace
@@ -80,6 +85,7 @@ void readUsbIdentity(const fs::path& device, const fs::path& top, io::SerialPort
 std::vector<io::SerialPortInfo> sysfsSerialPorts(const std::string& root)
 {
     std::vector<io::SerialPortInfo> ports;
+    std::vector<fs::path> usbDevices; // of each port
     std::error_code failed;
     const fs::path top = fs::weakly_canonical(fs::path(root) / "sys/devices", failed);
     for (const fs::directory_entry& tty : fs::directory_iterator(fs::path(root) / "sys/class/tty", failed)) {
@@ -93,7 +99,7 @@ std::vector<io::SerialPortInfo> sysfsSerialPorts(const std::string& root)
             continue;
         io::SerialPortInfo port;
         port.deviceName = tty.path().filename().string();
-        readUsbIdentity(device, top, port);
+        usbDevices.push_back(readUsbIdentity(device, top, port));
         if (!port.product.empty())
             port.description = port.product;
         else if (!port.interfaceName.empty())
@@ -107,6 +113,12 @@ std::vector<io::SerialPortInfo> sysfsSerialPorts(const std::string& root)
             port.stablePaths.insert(port.stablePaths.end(), links.begin(), links.end());
         }
         ports.push_back(std::move(port));
+    }
+    for (std::size_t i = 0; i < ports.size(); ++i) {
+        const bool several =
+            !usbDevices[i].empty() && std::count(usbDevices.begin(), usbDevices.end(), usbDevices[i]) > 1;
+        if (several && !ports[i].product.empty() && !ports[i].interfaceName.empty())
+            ports[i].description = ports[i].product + " - " + ports[i].interfaceName;
     }
     return ports;
 }
