@@ -31,11 +31,13 @@ inline bool waitForCard(bool present, std::chrono::seconds limit)
     return waitUntil([&] { return reader.isCardPresented() == present; }, limit, std::chrono::milliseconds(100));
 }
 
-// The virtual card: a vicc process connected to the virtual reader.
+// The virtual card: a vicc process connected to the virtual reader, once the card of an
+// earlier case (a process of its own) has left it.
 class VirtualCard {
 public:
     VirtualCard()
     {
+        waitForCard(false, std::chrono::seconds(10));
         pid_ = ::fork();
         if (pid_ == 0) {
             const std::string path = std::string(OVO_VICC_SHIM) + ":/usr/lib/python3/site-packages/virtualsmartcard";
