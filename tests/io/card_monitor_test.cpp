@@ -12,8 +12,7 @@ using std::chrono::milliseconds;
 
 TEST(CardMonitorService, ReaderAtTheStartCardInsertedAndRemovedStopFromAnotherThread)
 {
-    if (!ovo_test::readerListed())
-        GTEST_SKIP() << "needs pcscd with the virtual reader (scripts/test.sh starts it)";
+    OVO_SKIP_WITHOUT_VIRTUAL_READER();
     ASSERT_TRUE(ovo_test::waitForCard(false, std::chrono::seconds(10))) << "a card is already in the reader";
     ovo::io::CardMonitor monitor;
     CardEvent event;

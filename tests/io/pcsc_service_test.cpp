@@ -10,8 +10,7 @@ using namespace ovo::io;
 
 TEST(PcscService, TheCardIsReadWhileItIsThereAndGoneWhenItsProcessStops)
 {
-    if (!ovo_test::readerListed())
-        GTEST_SKIP() << "needs pcscd with the virtual reader (scripts/test.sh starts it)";
+    OVO_SKIP_WITHOUT_VIRTUAL_READER();
     ovo_test::VirtualCard card;
     ASSERT_TRUE(ovo_test::waitForCard(true, std::chrono::seconds(30))) << "the virtual card did not appear";
     pcsc reader(ovo_test::readerName);

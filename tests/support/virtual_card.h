@@ -25,6 +25,17 @@ inline bool readerListed()
     return std::find(readers.begin(), readers.end(), readerName) != readers.end();
 }
 
+// Skips the case when no PC/SC service shows the virtual reader; fails it instead where the
+// test command made the service part of the run (OVO_REQUIRE_CARD_SERVICE=1).
+#define OVO_SKIP_WITHOUT_VIRTUAL_READER()                                                                              \
+    do {                                                                                                               \
+        if (ovo_test::readerListed())                                                                                  \
+            break;                                                                                                     \
+        if (std::getenv("OVO_REQUIRE_CARD_SERVICE") != nullptr)                                                        \
+            FAIL() << "no pcscd with the virtual reader, which the test command starts";                               \
+        GTEST_SKIP() << "needs pcscd with the virtual reader (scripts/test.sh starts it)";                             \
+    } while (false)
+
 inline bool waitForCard(bool present, std::chrono::seconds limit)
 {
     ovo::io::pcsc reader(readerName);
