@@ -19,6 +19,7 @@ TEST(PcscService, TheCardIsReadWhileItIsThereAndGoneWhenItsProcessStops)
     // pcsc-lite reports the card negotiable or specific, depending on its version.
     const CardStatus state = reader.cardStatus(atr);
     EXPECT_TRUE(state == cardNegotiable || state == cardSpecific) << state;
+    EXPECT_EQ(atr, ovo_test::virtualCardAtr);
     card.stop();
     EXPECT_TRUE(ovo_test::waitForCard(false, std::chrono::seconds(10)));
     EXPECT_FALSE(reader.isCardPresented());

@@ -18,6 +18,8 @@
 namespace ovo_test {
 
 inline const char* const readerName = "Virtual PCD 00 00";
+inline const std::vector<unsigned char> virtualCardAtr = {0x3B, 0x95, 0x13, 0x81, 0x01, 0x80,
+                                                          0x73, 0xFF, 0x01, 0x00, 0x0B};
 
 inline bool readerListed()
 {
