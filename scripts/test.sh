@@ -10,7 +10,8 @@
 #           them, run on a clean Wine prefix) and the ovo tool under Wine
 #   parity  the parity scenarios of the linux and win64 builds, run natively and under
 #           Wine, their outputs compared (tests/parity/known_differences.txt lists the
-#           differences kept)
+#           differences kept); the Wine outputs refresh their record in tests/parity/windows/,
+#           against which the linux suite compares the native outputs
 #   win32   the Windows 32-bit build, compiled and linked, and its ZIP package
 #   package the Debian packages (lintian, unpacked into a scratch root, a client and every
 #           example built against it and run)
