@@ -44,6 +44,8 @@ TEST_F(PtyPair, ReadTimeOuts)
         {"total with nothing to read", {0, 100, 0, 0, 0}, 4, 0, 0, 0, 95, 400},
         {"MAXDWORD interval, zero totals: at once", {maxDword, 0, 0, 0, 0}, 8, 0, 0, 0, 0, 50},
         {"first byte or constant", {maxDword, 200, maxDword, 0, 0}, 10, 2, 100, 2, 280, 700},
+        {"first byte, then the constant", {maxDword, 1000, maxDword, 0, 0}, 10, 2, 100, 2, 1050, 1800,
+         "Wine's read goes on past the first byte to the constant; Windows returns with it"},
         {"all zero: until the request is met", {0, 0, 0, 0, 0}, 3000, 3000, 300, 3000, 290, 1500},
         {"a total a second short of the clock's range", {0, 854, 3074457345u, 0, 0}, 3000, 3000, 300, 3000, 290, 1500},
         {"multiplier x bytes past 32 bits", {0, 0, 2147483648u, 0, 0}, 2, 2, 300, 2, 290, 1500,
