@@ -10,8 +10,7 @@ using namespace ovo::io;
 
 TEST(PcscService, TheCardIsReadWhileItIsThereAndGoneWhenItsProcessStops)
 {
-    if (!ovo_test::readerListed())
-        GTEST_SKIP() << "needs pcscd with the virtual reader (scripts/test.sh starts it)";
+    OVO_SKIP_WITHOUT_VIRTUAL_READER();
     ovo_test::VirtualCard card;
     ASSERT_TRUE(ovo_test::waitForCard(true, std::chrono::seconds(30))) << "the virtual card did not appear";
     pcsc reader(ovo_test::readerName);
@@ -20,6 +19,7 @@ TEST(PcscService, TheCardIsReadWhileItIsThereAndGoneWhenItsProcessStops)
     // pcsc-lite reports the card negotiable or specific, depending on its version.
     const CardStatus state = reader.cardStatus(atr);
     EXPECT_TRUE(state == cardNegotiable || state == cardSpecific) << state;
+    EXPECT_EQ(atr, ovo_test::virtualCardAtr);
     card.stop();
     EXPECT_TRUE(ovo_test::waitForCard(false, std::chrono::seconds(10)));
     EXPECT_FALSE(reader.isCardPresented());

@@ -40,11 +40,16 @@ TEST_F(PtyPair, ReadTimeOuts)
         const char* wine = nullptr; // how Wine differs, where it does
     } cases[] = {
         {"interval after the last byte, then the total", {50, 200, 0, 0, 0}, 10, 4, 0, 4, 240, 600},
+        {"the total before a longer interval", {2000, 200, 0, 0, 0}, 10, 4, 0, 4, 390, 1500},
         {"total with nothing to read", {0, 100, 0, 0, 0}, 4, 0, 0, 0, 95, 400},
         {"MAXDWORD interval, zero totals: at once", {maxDword, 0, 0, 0, 0}, 8, 0, 0, 0, 0, 50},
         {"first byte or constant", {maxDword, 200, maxDword, 0, 0}, 10, 2, 100, 2, 280, 700},
+        {"first byte, then the constant", {maxDword, 1000, maxDword, 0, 0}, 10, 2, 100, 2, 1050, 1800,
+         "Wine's read goes on past the first byte to the constant; Windows returns with it"},
         {"all zero: until the request is met", {0, 0, 0, 0, 0}, 3000, 3000, 300, 3000, 290, 1500},
-        {"a total at the clock's range", {0, 1854, 3074457345u, 0, 0}, 3000, 3000, 300, 3000, 290, 1500},
+        {"a total a second short of the clock's range", {0, 854, 3074457345u, 0, 0}, 3000, 3000, 300, 3000, 290, 1500},
+        {"multiplier x bytes past 32 bits", {0, 0, 2147483648u, 0, 0}, 2, 2, 300, 2, 290, 1500,
+         "Wine works multiplier x bytes out in 32 bits, which wrap to 0 here: it returns at once; Windows waits"},
         {"a total past the clock's range", {0, 0, maxDword, 0, 0}, 3000, 3000, 300, 3000, 290, 1500,
          "Wine returns at once with nothing for a total constant of MAXDWORD alone; Windows waits its total"},
         {"the largest total", {0, maxDword, maxDword, 0, 0}, 3000, 3000, 300, 3000, 290, 1500},

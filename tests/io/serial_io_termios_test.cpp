@@ -55,13 +55,17 @@ TEST(SerialIO, WhatIsNoSerialDeviceIsNotOpened)
     }
 }
 
-// A write into full queues waits up to its total, for ever past the clock's range; the device drains after 300 ms.
+// A write into full queues waits up to its total, for ever without one or past the clock's range; the device drains
+// after 300 ms.
 TEST_F(PtyPair, WriteTimeOuts)
 {
     const struct {
         SerialTimeouts timeouts;
         bool whole;
-    } cases[] = {{{0, 0, 0, 0, maxDword}, true}, {{0, 0, 0, maxDword, maxDword}, true}, {{0, 0, 0, 200, 0}, false}};
+    } cases[] = {{{0, 0, 0, 0, maxDword}, true},
+                 {{0, 0, 0, maxDword, maxDword}, true},
+                 {{0, 0, 0, 200, 0}, false},
+                 {{0, 0, 0, 0, 0}, true}};
     termios raw; // a line-editing master would drop what does not fit instead of holding it back
     ASSERT_EQ(::tcgetattr(peer.master(), &raw), 0);
     ::cfmakeraw(&raw);

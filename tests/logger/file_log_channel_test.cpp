@@ -117,8 +117,10 @@ TEST_F(FileLogChannelTest, AnUnusablePathLosesOneMessageAndRecovers)
 #endif
         write.wait();
         EXPECT_TRUE(returned) << kind << ": the write hung";
-        EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(kind == "held" ? 900 : 0))
-            << "another writer is waited for";
+        // Another writer is waited for, about a second; nothing else is worth a wait.
+        const auto took = std::chrono::steady_clock::now() - start;
+        EXPECT_TRUE(kind == "held" ? took >= std::chrono::milliseconds(900) : took < std::chrono::milliseconds(600))
+            << kind << ": " << std::chrono::duration_cast<std::chrono::milliseconds>(took).count() << " ms";
         EXPECT_NE(fs::exists(directory), kind == "missing") << "a missing directory is not created";
         holder.reset();
         fs::remove(path);

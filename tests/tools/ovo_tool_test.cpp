@@ -364,8 +364,7 @@ protected:
     static void TearDownTestSuite() { card.reset(); }
     void SetUp() override
     {
-        if (!ovo_test::readerListed())
-            GTEST_SKIP() << "needs pcscd with the virtual reader (scripts/test.sh starts it)";
+        OVO_SKIP_WITHOUT_VIRTUAL_READER();
         ASSERT_TRUE(cardReady);
     }
 
