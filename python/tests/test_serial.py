@@ -46,7 +46,8 @@ def test_purge_discards_what_waits(device):
 
 @pytest.mark.parametrize("settings, kind, text", [
     ("device=ttyS0;baud=fast", ovosystem.ArgumentError, "NumebrParser - bad format"),
-    ("device=ttyS0;data=99999999999", ovosystem.ArgumentError, ""),
+    ("device=ttyS0;data=99999999999", ovosystem.ArgumentError, "NumberParser - out of range"),
+    ("device=/dev/null", ovosystem.PlatformError, "::GetCommState( '/dev/null' ) failed. error = 1"),
     ("device=/dev/ovo-missing;baud=9600", ovosystem.PlatformError, "can't open '/dev/ovo-missing'. error = 2"),
     ("baud=9600", ovosystem.PlatformError, "can't open ''. error = 123"),
 ])
