@@ -1,12 +1,7 @@
-"""Logging through the package, and what all its calls share: texts of failures per thread,
-the version of the library."""
-import ctypes
-import threading
-
+"""Logging through the package, and the version of the library it drives."""
 import pytest
 
 import ovosystem
-from ovosystem._native import lib
 
 
 def test_the_daily_file_takes_messages_of_the_levels_let_through(tmp_path):
@@ -28,24 +23,6 @@ def test_logging_refuses_what_would_be_lost(tmp_path):
         ovosystem.setup_logging(directory=tmp_path / "missing")
     with pytest.raises(ovosystem.ArgumentError, match="invalid string position"):
         ovosystem.Logger("pytest.dump").info_dump("nothing", b"")
-
-
-def test_each_thread_keeps_the_text_of_its_own_last_failure():
-    texts = {}
-    failed = threading.Barrier(2)
-
-    def fail_then_read(port):
-        made = ctypes.c_void_p()
-        assert lib.ovo_serial_open(f"device=/dev/ovo-{port}".encode(), None, None, ctypes.byref(made)) == -2
-        failed.wait()  # both have failed before either reads
-        texts[port] = lib.ovo_last_error().decode()
-
-    threads = [threading.Thread(target=fail_then_read, args=(port,)) for port in ("a", "b")]
-    for thread in threads:
-        thread.start()
-    for thread in threads:
-        thread.join()
-    assert texts == {"a": "can't open '/dev/ovo-a'. error = 2", "b": "can't open '/dev/ovo-b'. error = 2"}
 
 
 def test_the_package_drives_the_library_of_its_own_version():

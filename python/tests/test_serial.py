@@ -1,4 +1,5 @@
 """Serial ports through the package, against a pseudo-terminal whose far end plays the device."""
+import ctypes
 import time
 
 import pytest
@@ -6,6 +7,7 @@ import pytest
 import ovosystem
 from conftest import wait_until
 from ovosystem import MAXDWORD, SerialTimeouts
+from ovosystem._native import OK, TIMEOUT, lib
 
 ANSWERING = SerialTimeouts(read_interval=50, read_constant=500, write_constant=1000)
 
@@ -60,3 +62,12 @@ def test_settings_that_open_no_port_raise_with_the_library_text(settings, kind, 
 def test_the_port_list_leaves_pseudo_terminals_out(device):
     for port in ovosystem.ports():
         assert port.name and device.path not in (f"/dev/{port.name}", *port.stable_paths)
+
+
+def test_the_c_interface_answers_timeout_for_a_transfer_cut_short(device):
+    with open_port(device, SerialTimeouts(read_interval=MAXDWORD)) as port:
+        device.write(b"\x06")
+        assert wait_until(lambda: port.available == 1, 5)
+        buffer, count = ctypes.create_string_buffer(4), ctypes.c_uint()
+        assert lib.ovo_serial_receive(port._handle, buffer, 4, ctypes.byref(count)) == TIMEOUT and count.value == 1
+        assert lib.ovo_serial_send(port._handle, b"\x15", 1, ctypes.byref(count)) == OK and count.value == 1
