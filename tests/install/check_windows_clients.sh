@@ -1,11 +1,8 @@
 #!/usr/bin/env bash
-# C clients of the unpacked ZIP package, placed beside its DLLs and run on its clean Wine
-# prefix; neither carries a C++ run-time of its own.
-#   mingw: the example device_client.c, built by the MinGW-w64 C compiler: two processes
-#          on a channel, a request over a serial port that Wine maps to a pseudo-terminal,
-#          and their daily log file
-#   msvc:  tests/install/msvc_client.c, built for the MSVC ABI by clang and lld-link with
-#          the package's ovosystem.lib and no C run-time at all (skipped without them)
+# C clients without a C++ run-time, beside the unpacked ZIP's DLLs on its clean Wine prefix.
+#   mingw: examples/device_client.c by the MinGW-w64 C compiler: two processes on a channel,
+#          a request over a COM port that Wine maps to a pseudo-terminal, their daily log
+#   msvc:  msvc_client.c for the MSVC ABI by clang and lld-link with the ZIP's ovosystem.lib
 #   check_windows_clients.sh mingw|msvc UNPACKED_ZIP WORK_DIR C_COMPILER OBJDUMP WINE WINESERVER
 set -euo pipefail
 mode=$1 root=$2 work=$3 cc=$4 objdump=$5 wine=$6 wineserver=$7
