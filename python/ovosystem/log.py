@@ -36,21 +36,21 @@ class Logger:
 
     def info_bytes(self, title, data):
         """The title and "XX " for each byte, on one line."""
-        data = bytes(data)
-        check(lib.ovo_log_bytes(self, INFO, text_in(title), data, len(data)))
+        self._bytes(lib.ovo_log_bytes, INFO, title, data)
 
     def trace_bytes(self, title, data):
-        data = bytes(data)
-        check(lib.ovo_log_bytes(self, TRACE, text_in(title), data, len(data)))
+        self._bytes(lib.ovo_log_bytes, TRACE, title, data)
 
     def info_dump(self, title, data):
         """The title and a dump of 16 bytes a line (at least one byte)."""
-        data = bytes(data)
-        check(lib.ovo_log_dump(self, INFO, text_in(title), data, len(data)))
+        self._bytes(lib.ovo_log_dump, INFO, title, data)
 
     def trace_dump(self, title, data):
+        self._bytes(lib.ovo_log_dump, TRACE, title, data)
+
+    def _bytes(self, function, family, title, data):
         data = bytes(data)
-        check(lib.ovo_log_dump(self, TRACE, text_in(title), data, len(data)))
+        check(function(self, family, text_in(title), data, len(data)))
 
 
 def logger_handle(logger):

@@ -8,6 +8,7 @@
 #include <ovo/io/pcsc.h>
 
 #include <atomic>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -38,6 +39,7 @@ struct ovo_card_monitor {
 namespace {
 
 // What a reader holds, read as `ovo readers` reads it: a short shared connection for the ATR.
+// (The place for the library's own listing of readers with their state, once it has one.)
 ovo_reader_list::Reader readerState(const std::string& name)
 {
     ovo_reader_list::Reader reader{name, OVO_READER_EMPTY, {}};
@@ -61,7 +63,7 @@ const ovo_reader_list::Reader* readerAt(const ovo_reader_list* list, unsigned in
 }
 
 // The C++ monitor answers false both when the time ran out and once it was stopped; the
-// handle's own flag tells the two apart.
+// handle's own flag tells the two apart (until CardMonitor::next tells them itself).
 ovo_status noEvent(const ovo_card_monitor& monitor) { return monitor.stopped ? OVO_STOPPED : OVO_TIMEOUT; }
 
 } // namespace
