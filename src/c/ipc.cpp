@@ -93,8 +93,9 @@ ovo_status ovo_mutex_lock(ovo_mutex* mutex)
 
 ovo_status ovo_mutex_try_lock(ovo_mutex* mutex, int milliseconds)
 {
-    return guarded(__func__,
-                   [&] { return required(mutex, "mutex").mutex.tryLock(milliseconds) ? OVO_OK : OVO_TIMEOUT; });
+    return guarded(__func__, [&] {
+        return required(mutex, "mutex").mutex.tryLock(milliseconds < 0 ? -1 : milliseconds) ? OVO_OK : OVO_TIMEOUT;
+    });
 }
 
 ovo_status ovo_mutex_unlock(ovo_mutex* mutex)

@@ -58,7 +58,7 @@ OVO_API ovo_status OVO_CDECL ovo_mutex_open(const char* name, ovo_mutex** mutex)
 /** Waits without limit until this thread holds the mutex.
  * @return #OVO_OK, or a failure. */
 OVO_API ovo_status OVO_CDECL ovo_mutex_lock(ovo_mutex* mutex);
-/** Waits at most milliseconds (0: a test, -1: no limit) for the mutex.
+/** Waits at most milliseconds (0: a test; a negative number: without limit) for the mutex.
  * @return #OVO_OK when this thread holds it now; #OVO_TIMEOUT when it does not (the time
  *         ran out, or a dead holder had left it and it is free again); or a failure. */
 OVO_API ovo_status OVO_CDECL ovo_mutex_try_lock(ovo_mutex* mutex, int milliseconds);
