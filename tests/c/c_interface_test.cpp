@@ -64,7 +64,7 @@ TEST(CInterface, TheCardMonitorTellsAStopFromATimeOut)
 {
     ovo_card_monitor* monitor = nullptr;
     if (ovo_card_monitor_open(&monitor) != OVO_OK)
-        GTEST_SKIP() << "needs the PC/SC service (the test command starts it): " << ovo_last_error();
+        GTEST_SKIP() << "needs a PC/SC service: " << ovo_last_error();
     ovo_card_event event;
     while (ovo_card_monitor_next(monitor, 500, &event) == OVO_OK) // what is there
         ;
