@@ -7,7 +7,8 @@
 #   asan    the test suite under AddressSanitizer and UndefinedBehaviorSanitizer
 #   tsan    the test suite under ThreadSanitizer
 #   win64   the Windows 64-bit build, its test suite under Wine (its ZIP package among
-#           them, run on a clean Wine prefix) and the ovo tool under Wine
+#           them, run on a clean Wine prefix with a C client of the MinGW-w64 C compiler
+#           and one of the MSVC ABI) and the ovo tool under Wine
 #   parity  the parity scenarios of the linux and win64 builds, run natively and under
 #           Wine, their outputs compared (tests/parity/known_differences.txt lists the
 #           differences kept)
