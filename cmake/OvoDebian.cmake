@@ -1,8 +1,8 @@
 # The Debian packages: libovosystem0 (the shared library), libovosystem-dev (headers, the
 # link, the CMake and pkg-config files), python3-ovosystem (the Python package) and
-# ovo-tools (the ovo tool). dpkg-shlibdeps finds
-# what the binaries need; only the -dev package's tie to the library it links against is
-# written here, since it holds no binary to read that from.
+# ovo-tools (the ovo tool). dpkg-shlibdeps finds what the binaries need; only the ties of
+# the -dev and the Python package to the library are written here, since neither holds a
+# binary to read them from.
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_ALL runtime dev python)
 if(TARGET ovo)
@@ -42,7 +42,7 @@ file(CREATE_LINK ${PROJECT_BINARY_DIR}/src/libovosystem.so.${PROJECT_VERSION_MAJ
      ${libraryTree}${CMAKE_INSTALL_FULL_LIBDIR}/libovosystem.so.${PROJECT_VERSION_MAJOR} SYMBOLIC)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${libraryTree}${CMAKE_INSTALL_FULL_LIBDIR})
 
-# Pure Python, loading libovosystem.so.N through ctypes: dpkg-shlibdeps cannot see that tie.
+# Pure Python, loading libovosystem.so.N through ctypes.
 set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-ovosystem)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_ARCHITECTURE all)
