@@ -1,9 +1,10 @@
 # The Debian packages: libovosystem0 (the shared library), libovosystem-dev (headers, the
-# link, the CMake and pkg-config files) and ovo-tools (the ovo tool). dpkg-shlibdeps finds
-# what the binaries need; only the -dev package's tie to the library it links against is
-# written here, since it holds no binary to read that from.
+# link, the CMake and pkg-config files), python3-ovosystem (the Python package) and
+# ovo-tools (the ovo tool). dpkg-shlibdeps finds what the binaries need; only the ties of
+# the -dev and the Python package to the library are written here, since neither holds a
+# binary to read them from.
 set(CPACK_DEB_COMPONENT_INSTALL ON)
-set(CPACK_COMPONENTS_ALL runtime dev)
+set(CPACK_COMPONENTS_ALL runtime dev python)
 if(TARGET ovo)
     list(APPEND CPACK_COMPONENTS_ALL tools)
 endif()
@@ -46,6 +47,17 @@ file(MAKE_DIRECTORY ${libraryTree}${CMAKE_INSTALL_FULL_LIBDIR})
 file(CREATE_LINK ${PROJECT_BINARY_DIR}/src/libovosystem.so.${PROJECT_VERSION_MAJOR}
      ${libraryTree}${CMAKE_INSTALL_FULL_LIBDIR}/libovosystem.so.${PROJECT_VERSION_MAJOR} SYMBOLIC)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${libraryTree}${CMAKE_INSTALL_FULL_LIBDIR})
+
+# Pure Python, loading libovosystem.so.N through ctypes.
+set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-ovosystem)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS OFF)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "python3, ${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} (>= ${PROJECT_VERSION})")
+set(CPACK_COMPONENT_PYTHON_DESCRIPTION "${PROJECT_DESCRIPTION}: Python package
+ Smart cards over PC/SC, serial ports, message channels between processes,
+ named mutexes and events, and logging, from Python: a pure-Python package on
+ the C interface of the ovosystem library, through ctypes.")
 
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME ovo-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION utils)

@@ -10,6 +10,19 @@ install(TARGETS ovosystem EXPORT ovosystemTargets
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT dev
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT dev)
+if(WIN32)
+    # The C interface for other compilers than MinGW-w64: its module-definition file and
+    # the import library made from it (src/CMakeLists.txt).
+    install(FILES $<TARGET_LINKER_FILE_DIR:ovosystem>/ovosystem.def $<TARGET_LINKER_FILE_DIR:ovosystem>/ovosystem.lib
+            DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT dev)
+    # The license and the history at the top of the ZIP (the Debian packages carry theirs
+    # in their copyright and changelog files).
+    install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/CHANGELOG.md DESTINATION . COMPONENT runtime)
+else()
+    # The Python package on the C interface (the Debian package python3-ovosystem).
+    install(DIRECTORY ${PROJECT_SOURCE_DIR}/python/ovosystem DESTINATION lib/python3/dist-packages
+            COMPONENT python FILES_MATCHING PATTERN "*.py")
+endif()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ovo DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT dev)
 # ovo/version.h, which src/ generates into the build tree.
 install(FILES ${PROJECT_BINARY_DIR}/include/ovo/version.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ovo COMPONENT dev)

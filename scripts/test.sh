@@ -7,12 +7,18 @@
 #   asan    the test suite under AddressSanitizer and UndefinedBehaviorSanitizer
 #   tsan    the test suite under ThreadSanitizer
 #   win64   the Windows 64-bit build, its test suite under Wine (its ZIP package among
-#           them, run on a clean Wine prefix) and the ovo tool under Wine
+#           them, run on a clean Wine prefix with a C client of the MinGW-w64 C compiler
+#           and one of the MSVC ABI) and the ovo tool under Wine
 #   parity  the parity scenarios of the linux and win64 builds, run natively and under
 #           Wine, their outputs compared (tests/parity/known_differences.txt lists the
 #           differences kept); the Wine outputs refresh their record in tests/parity/windows/,
 #           against which the linux suite compares the native outputs
 #   win32   the Windows 32-bit build, compiled and linked, and its ZIP package
+#   python  the Python package, installed by pip into a scratch environment, its pytest
+#           suite against the linux build's library (the virtual card, a pseudo-terminal,
+#           processes on a channel)
+#   abi     the exported interface of the linux build's library against the baseline in
+#           abi/ (scripts/abi.sh): no incompatible change without a new SONAME
 #   package the Debian packages (lintian, unpacked into a scratch root, the API reference
 #           in the -dev package, a client and every example built against it and run)
 #   fuzz    every libFuzzer target for a short run (OVO_FUZZ_SECONDS each, default 10)
@@ -28,12 +34,12 @@ builds=${OVO_BUILD_ROOT:-$root/build}
 jobs=${OVO_JOBS:-$(nproc)}
 fuzzSeconds=${OVO_FUZZ_SECONDS:-10}
 suites=("$@")
-[ ${#suites[@]} -gt 0 ] || suites=(linux docs asan tsan win64 parity win32 package fuzz bench)
+[ ${#suites[@]} -gt 0 ] || suites=(linux docs asan tsan win64 parity win32 python abi package fuzz bench)
 
 packages=(cmake ninja-build g++ pkg-config util-linux googletest libgtest-dev libbenchmark-dev libspdlog-dev libboost-dev
           clang libclang-rt-14-dev g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix wine64
           libpcsclite-dev pcscd pcsc-tools vsmartcard-vpcd vsmartcard-vpicc python3-pycryptodome
-          doxygen dpkg-dev file lintian socat groff-base)
+          doxygen dpkg-dev file lintian socat groff-base python3-pytest python3-venv python3-pip abigail-tools lld llvm)
 
 log() { printf '\n=== %s\n' "$*"; }
 
@@ -77,9 +83,9 @@ configureAndBuild() { # suite, cmake arguments...
     cmake --build "$dir" -j "$jobs"
 }
 
-runTests() { # suite
+runTests() { # suite (the Python package's tests have a suite of their own)
     local dir=$builds/$1
-    (cd "$dir" && ctest -j "$jobs" --output-on-failure --timeout 600) 2>&1 | tee "$dir.ctest.log"
+    (cd "$dir" && ctest -j "$jobs" --output-on-failure --timeout 600 -LE python) 2>&1 | tee "$dir.ctest.log"
     local status=${PIPESTATUS[0]}
     count "$dir.ctest.log" || status=1
     return "$status"
@@ -136,6 +142,46 @@ suite_win32() {
     configureAndBuild win32 -DCMAKE_TOOLCHAIN_FILE="$root/cmake/toolchains/mingw-w64-i686.cmake" &&
         (cd "$builds/win32" && cpack -G ZIP >cpack.log 2>&1 || { cat cpack.log; exit 1; }) &&
         ls "$builds"/win32/packages/*.zip
+}
+
+# The linux build's library alone, for the suites that only need it.
+linuxLibrary() {
+    [ -f "$builds/linux/build.ninja" ] ||
+        cmake -S "$root" -B "$builds/linux" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DOVO_BUILD_BENCHMARKS=ON \
+            >"$builds/linux.configure.log" || return 1
+    cmake --build "$builds/linux" -j "$jobs" --target ovosystem
+}
+
+# Adds the counts of pytest's closing line ("== 3 failed, 40 passed, 1 skipped in 9.50s ==").
+countPytest() {
+    local summary number word
+    summary=$(grep -E '^=+ .* in [0-9.]+s' "$1" | tail -1)
+    [ -n "$summary" ] || return 1
+    while read -r number word; do
+        case $word in
+        passed) passed=$((passed + number)) ;;
+        failed | error | errors) failed=$((failed + number)) ;;
+        esac
+    done < <(grep -oE '[0-9]+ [a-z]+' <<<"$summary")
+}
+
+suite_python() {
+    local dir=$builds/python
+    linuxLibrary || return 1
+    rm -rf "$dir" && /usr/bin/python3 -m venv --system-site-packages "$dir/venv" || return 1
+    # Offline: no build isolation, the distribution's setuptools builds the package (from a
+    # copy, since the build writes beside the sources).
+    cp -r "$root/python" "$dir/source" &&
+        "$dir/venv/bin/pip" install --quiet --no-index --no-build-isolation "$dir/source" || return 1
+    (cd "$dir" && OVOSYSTEM_LIBRARY=$builds/linux/src/libovosystem.so.0 \
+        "$dir/venv/bin/python" -m pytest -p no:cacheprovider -v "$root/python/tests") 2>&1 | tee "$dir.log"
+    local status=${PIPESTATUS[0]}
+    countPytest "$dir.log" || status=1
+    return "$status"
+}
+
+suite_abi() {
+    linuxLibrary && check "$root/scripts/abi.sh" check "$builds/linux/src/libovosystem.so"
 }
 
 suite_package() {

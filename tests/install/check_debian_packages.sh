@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
 # The Debian packages of a build (/usr prefix), checked without installing them: lintian
-# finds no error, the three unpack into a scratch root, the -dev package holds the API
+# finds no error, the four unpack into a scratch root, the -dev package holds the API
 # reference, a client builds against that root through find_package and pkg-config, the
 # packaged tool runs, and every example builds against the root as a client project and
 # runs: the card exchange and the card monitor against the virtual card, the serial
-# request against an echoing device on a pseudo-terminal; a mistake in an example's words
-# gives its usage on standard error and status 2.
+# request against an echoing device on a pseudo-terminal, the C client and the packaged
+# Python package's client with the card and between two processes; a mistake in an
+# example's words gives its usage on standard error and status 2.
 #   check_debian_packages.sh PACKAGE_DIR WORK_DIR
 set -euo pipefail
 source "$(dirname "$0")/../../scripts/lib/debian.sh"
@@ -17,7 +18,7 @@ lintian --fail-on error --suppress-tags initial-upload-closes-no-bugs "$packages
 rm -rf "$work"
 mkdir -p "$work/root"
 debs=("$packages"/*.deb)
-[ ${#debs[@]} -eq 3 ] || { echo "expected three packages, found ${debs[*]}"; exit 1; }
+[ ${#debs[@]} -eq 4 ] || { echo "expected four packages, found ${debs[*]}"; exit 1; }
 for deb in "${debs[@]}"; do dpkg-deb -x "$deb" "$work/root"; done
 grep -q "Three tasks to start from" "$work/root/usr/share/doc/libovosystem-dev/html/index.html"
 
@@ -53,12 +54,20 @@ grep -q "the logging example's log" "$work/logs"/*-example.log
 expect "^3 of 3 words taken: port 'ttyUSB0', timeout 500 ms, verbose yes$" \
     "$bin/options" -p=ttyUSB0 --timeout=500 -v
 
-channel=ovo-example-$$
-"$bin/message_channel" answer "$channel" >"$work/answer.out" &
-answerer=$!
-expect "^answer: time to answer$" "$bin/message_channel" ask "$channel"
-wait "$answerer"
-grep -q "^question: what time is it?$" "$work/answer.out"
+# The C client and the Python one, each asking the other through a channel; their logs go
+# into the current directory.
+cd "$work/logs"
+round=0
+export PYTHONPATH=$work/root/usr/lib/python3/dist-packages
+python="/usr/bin/python3 $ovoRoot/examples/device_client.py"
+for pair in "$bin/message_channel|$bin/message_channel" "$bin/device_client|$python" "$python|$bin/device_client"; do
+    channel=ovo-example-$$-$((++round))
+    ${pair#*|} answer "$channel" >"$work/answer.out" 2>/dev/null &
+    answerer=$!
+    expect "^answer: time to answer$" ${pair%|*} ask "$channel"
+    wait "$answerer"
+    grep -q "^question: what time is it?$" "$work/answer.out"
+done
 
 socat PTY,link="$work/device",rawer EXEC:cat &
 device=$!
@@ -74,4 +83,7 @@ for _ in $(seq 30); do "$bin/card_exchange" "$ovoVirtualReader" 2>/dev/null | gr
 expect "^status word 9000$" "$bin/card_exchange" "$ovoVirtualReader"
 # What is there, then Enter (here the end of the input) ends the watch.
 expect "^card inserted: $ovoVirtualReader 3B" bash -c "sleep 2 | '$bin/card_monitor'"
+expect "^status word 9000$" "$bin/device_client" card
+expect "^status word 9000$" $python card "$ovoVirtualReader"
+grep -q '\] <- 90 00 $' "$work/logs"/*-device-client.log
 echo "packages and examples: all checks passed"

@@ -15,7 +15,8 @@ set(root ${WORK_DIR}/unpacked)
 file(MAKE_DIRECTORY ${root})
 run(${CMAKE_COMMAND} -E chdir ${root} ${CMAKE_COMMAND} -E tar xf ${zip})
 foreach(part bin/ovosystem.dll bin/ovo.exe bin/libstdc++-6.dll bin/libwinpthread-1.dll include/ovo/ovosystem.h
-             lib/cmake/ovosystem/ovosystemConfig.cmake)
+             include/ovo/c/ovosystem.h lib/cmake/ovosystem/ovosystemConfig.cmake lib/ovosystem.def lib/ovosystem.lib
+             LICENSE CHANGELOG.md)
     if(NOT EXISTS ${root}/${part})
         message(FATAL_ERROR "the package lacks ${part}")
     endif()
