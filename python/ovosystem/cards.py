@@ -11,7 +11,9 @@ from .log import logger_handle
 class ReaderState(enum.IntEnum):
     EMPTY = 0
     CARD = 1
-    CARD_UNREADABLE = 2  # mute, or held exclusively by another program
+    CARD_UNREADABLE = 2  # mute: no answer to reset, no ATR
+    CARD_EXCLUSIVE = 3  # held exclusively by another program; its ATR is given
+    UNAVAILABLE = 4  # the service cannot use the reader
 
 
 class Reader(NamedTuple):

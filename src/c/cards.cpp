@@ -4,10 +4,9 @@
 
 #include <ovo/c/cards.h>
 #include <ovo/io/card_monitor.h>
-#include <ovo/io/enumeration.h>
+#include <ovo/io/reader_status.h>
 #include <ovo/io/pcsc.h>
 
-#include <atomic>
 #include <memory>
 #include <string>
 #include <vector>
@@ -33,38 +32,30 @@ struct ovo_card {
 struct ovo_card_monitor {
     ovo::io::CardMonitor monitor;
     ovo::io::CardEvent event;
-    std::atomic<bool> stopped{false};
 };
 
 namespace {
 
-// What a reader holds, read as `ovo readers` reads it: a short shared connection for the ATR.
-// (The place for the library's own listing of readers with their state, once it has one.)
-ovo_reader_list::Reader readerState(const std::string& name)
+// What a reader holds, from the service's own report: no card is connected, so a card held
+// exclusively or a mute one neither fails nor waits.
+ovo_reader_list::Reader readerOf(const ovo::io::ReaderStatus& status)
 {
-    ovo_reader_list::Reader reader{name, OVO_READER_EMPTY, {}};
-    ovo::io::pcsc card(name);
-    if (!card.isCardPresented())
-        return reader;
-    try {
-        card.connect();
-        card.cardStatus(reader.atr);
-        card.disconnect();
-        reader.state = OVO_READER_CARD;
-    } catch (const std::runtime_error&) { // mute, or held exclusively by another program
-        reader.state = OVO_READER_CARD_UNREADABLE;
-    }
-    return reader;
+    int state = OVO_READER_CARD;
+    if (status.unavailable)
+        state = OVO_READER_UNAVAILABLE;
+    else if (!status.cardPresent)
+        state = OVO_READER_EMPTY;
+    else if (status.mute)
+        state = OVO_READER_CARD_UNREADABLE;
+    else if (status.exclusive)
+        state = OVO_READER_CARD_EXCLUSIVE;
+    return {status.reader, state, status.atr};
 }
 
 const ovo_reader_list::Reader* readerAt(const ovo_reader_list* list, unsigned int index)
 {
     return list != nullptr && index < list->readers.size() ? &list->readers[index] : nullptr;
 }
-
-// The C++ monitor answers false both when the time ran out and once it was stopped; the
-// handle's own flag tells the two apart (until CardMonitor::next tells them itself).
-ovo_status noEvent(const ovo_card_monitor& monitor) { return monitor.stopped ? OVO_STOPPED : OVO_TIMEOUT; }
 
 } // namespace
 
@@ -75,8 +66,8 @@ ovo_status ovo_reader_list_make(ovo_reader_list** list)
     return guarded(__func__, [&] {
         ovo_reader_list*& made = required(list, "list");
         auto readers = std::make_unique<ovo_reader_list>();
-        for (const std::string& name : ovo::io::enumeratePCSCDevices())
-            readers->readers.push_back(readerState(name));
+        for (const ovo::io::ReaderStatus& status : ovo::io::readerStatuses())
+            readers->readers.push_back(readerOf(status));
         made = readers.release();
         return OVO_OK;
     });
@@ -186,7 +177,7 @@ ovo_status ovo_card_monitor_next(ovo_card_monitor* monitor, unsigned int timeout
         ovo_card_monitor& handle = required(monitor, "monitor");
         ovo_card_event& given = required(event, "event");
         if (!handle.monitor.next(handle.event, timeoutMs))
-            return noEvent(handle);
+            return handle.monitor.stopped() ? OVO_STOPPED : OVO_TIMEOUT;
         given.kind = handle.event.kind;
         given.reader = handle.event.reader.c_str();
         given.atr = handle.event.atr.data();
@@ -199,7 +190,6 @@ ovo_status ovo_card_monitor_stop(ovo_card_monitor* monitor)
 {
     return guarded(__func__, [&] {
         ovo_card_monitor& handle = required(monitor, "monitor");
-        handle.stopped = true;
         handle.monitor.stop();
         return OVO_OK;
     });

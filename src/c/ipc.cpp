@@ -43,9 +43,8 @@ ovo_status ovo_channel_send(ovo_channel* channel, unsigned int id, const void* d
     return guarded(__func__, [&] {
         ovo::ipc::MessageChannel& queue = required(channel, "channel").channel;
         ovo_c::requireBytes(data, size, "data");
-        unsigned char nothing = 0;
-        // send only reads the body, though its parameter is not const (until it has a const overload).
-        void* body = size == 0 ? &nothing : const_cast<void*>(data);
+        const unsigned char nothing = 0;
+        const void* body = size == 0 ? &nothing : data;
         return queue.send(id, body, size) ? OVO_OK : OVO_FULL;
     });
 }

@@ -27,10 +27,12 @@ fi
 # "scenario | label" of every reviewed difference.
 known=$(sed -E -n 's/^([a-z_]+) \| ([^|]*[^ |]) +\|.*/\1 | \2/p' "$here/known_differences.txt")
 
+# The tag that names the run's objects has one length, so that a name of the longest
+# length prints alike in every run.
 runScenario() { # side, program, runner...
     local dir=$scratch/$1
     rm -rf "$dir" && mkdir -p "$dir/config"
-    (cd "$dir" && export XDG_CONFIG_HOME=$dir/config OVO_PARITY_TAG=parity$$ OVO_PARITY_NAME=Value OVO_PARITY_EMPTY= &&
+    (cd "$dir" && export XDG_CONFIG_HOME=$dir/config OVO_PARITY_TAG=parity$(printf %07d $$) OVO_PARITY_NAME=Value OVO_PARITY_EMPTY= &&
         "${@:3}" "$2")
 }
 

@@ -29,12 +29,19 @@ enum ovo_reader_state {
     OVO_READER_EMPTY = 0,
     /** A card, whose ATR the list gives. */
     OVO_READER_CARD = 1,
-    /** A card that could not be read (mute, or held exclusively by another program). */
-    OVO_READER_CARD_UNREADABLE = 2
+    /** A card that gave no answer to reset (mute): no ATR. */
+    OVO_READER_CARD_UNREADABLE = 2,
+    /** A card that another program holds exclusively, whose ATR the list gives; a
+     * connection fails until that program lets go. */
+    OVO_READER_CARD_EXCLUSIVE = 3,
+    /** A reader that the service cannot use (it failed, or another driver holds it). */
+    OVO_READER_UNAVAILABLE = 4
 };
 
 /** The readers of the PC/SC service in its order, each with its state and the ATR of its
- * card: what `ovo readers` shows. Empty when there are none or no service answers.
+ * card, from the service's report: what `ovo readers` shows. No card is connected, so a card
+ * held by another program or a mute one neither fails nor waits. Empty when there are none
+ * or no service answers.
  * @param list receives the list, to be freed with ovo_reader_list_free()
  * @return #OVO_OK, or a failure. */
 OVO_API ovo_status OVO_CDECL ovo_reader_list_make(ovo_reader_list** list);
