@@ -39,7 +39,7 @@ suites=("$@")
 packages=(cmake ninja-build g++ pkg-config util-linux googletest libgtest-dev libbenchmark-dev libspdlog-dev libboost-dev
           clang libclang-rt-14-dev g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix wine64
           libpcsclite-dev pcscd pcsc-tools vsmartcard-vpcd vsmartcard-vpicc python3-pycryptodome
-          doxygen dpkg-dev file lintian socat groff-base python3-pytest python3-venv python3-pip abigail-tools lld llvm)
+          doxygen dpkg-dev file lintian socat groff-base ccache python3-pytest python3-venv python3-pip abigail-tools lld llvm)
 
 log() { printf '\n=== %s\n' "$*"; }
 
@@ -75,10 +75,15 @@ check() {
     fi
 }
 
+# Every build compiles through ccache: a second run on the machine rebuilds from its cache.
+# Paths under the sources are hashed relative to them, so clones in other places share it.
+export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1
+launchers=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+
 configureAndBuild() { # suite, cmake arguments...
     local dir=$builds/$1
     shift
-    cmake -S "$root" -B "$dir" -G Ninja "$@" >"$dir.configure.log" 2>&1 ||
+    cmake -S "$root" -B "$dir" -G Ninja "${launchers[@]}" "$@" >"$dir.configure.log" 2>&1 ||
         { cat "$dir.configure.log"; return 1; }
     cmake --build "$dir" -j "$jobs"
 }
@@ -147,7 +152,7 @@ suite_win32() {
 # The linux build's library alone, for the suites that only need it.
 linuxLibrary() {
     [ -f "$builds/linux/build.ninja" ] ||
-        cmake -S "$root" -B "$builds/linux" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DOVO_BUILD_BENCHMARKS=ON \
+        cmake -S "$root" -B "$builds/linux" -G Ninja "${launchers[@]}" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DOVO_BUILD_BENCHMARKS=ON \
             >"$builds/linux.configure.log" || return 1
     cmake --build "$builds/linux" -j "$jobs" --target ovosystem
 }
