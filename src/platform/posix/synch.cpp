@@ -3,6 +3,7 @@
 #include "platform/posix/handle.h"
 #include "platform/posix/named_object.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <chrono>
@@ -129,10 +130,8 @@ public:
     DWORD wait(DWORD milliseconds) override
     {
         int result = milliseconds == 0 ? pthread_mutex_trylock(mutex_) : spinWhileHeld();
-        if (result == EBUSY && milliseconds == INFINITE)
-            result = pthread_mutex_lock(mutex_);
-        else if (result == EBUSY && milliseconds != 0)
-            result = lockBefore(milliseconds);
+        if (result == EBUSY && milliseconds != 0)
+            result = lockWithin(milliseconds);
         switch (result) {
         case 0:
             if (state_->abandoned == 0)
@@ -165,6 +164,21 @@ public:
                 __builtin_ia32_pause();
 #endif
             }
+        }
+    }
+
+    // A waiter woken by an unlock and killed before it took the mutex, while another thread
+    // took it meanwhile, leaves the lock word without its mark of sleeping waiters: the next
+    // unlock wakes nobody, and the kernel's repair of the killed thread wakes only when the
+    // word is free. Sleeping in slices bounds what such a lost wake-up costs to one slice.
+    int lockWithin(DWORD milliseconds)
+    {
+        const DWORD slice = 200;
+        for (DWORD left = milliseconds;;) {
+            const DWORD now = milliseconds == INFINITE ? slice : std::min(left, slice);
+            const int result = lockBefore(now);
+            if (result != ETIMEDOUT || (milliseconds != INFINITE && (left -= now) == 0))
+                return result;
         }
     }
 
