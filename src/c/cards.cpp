@@ -4,8 +4,8 @@
 
 #include <ovo/c/cards.h>
 #include <ovo/io/card_monitor.h>
-#include <ovo/io/reader_status.h>
 #include <ovo/io/pcsc.h>
+#include <ovo/io/reader_status.h>
 
 #include <memory>
 #include <string>

@@ -3,7 +3,9 @@
 // looks at what it left; 150 kills a row. After each check nothing of the row's names is
 // stale, and after the row nothing of them is left at all.
 #include "platform/sweep.h"
+#include "support/temp_dir.h"
 
+#include <ovo/ipc/message_channel.h>
 #include <ovo/ipc/system_mutex.h>
 
 #include <gtest/gtest.h>
@@ -60,7 +62,79 @@ std::string freshBlockMade(const Scene& s)
     return made ? "" : "a block that nobody held was not made anew and empty";
 }
 
+// A body of `size` bytes that tells its size in its first four and follows from it.
+std::vector<unsigned char> selfChecking(std::uint32_t size)
+{
+    std::vector<unsigned char> body(size);
+    std::memcpy(body.data(), &size, 4);
+    for (std::size_t i = 4; i < size; ++i)
+        body[i] = static_cast<unsigned char>(size * 7 + i);
+    return body;
+}
+
+bool whole(const std::vector<unsigned char>& body)
+{
+    std::uint32_t size = 0;
+    if (body.size() < 4)
+        return false;
+    std::memcpy(&size, body.data(), 4);
+    return size == body.size() && body == selfChecking(size);
+}
+
+// Sends a body of the next size and takes the oldest, which must be whole.
+std::string channelTraffic(const Scene& s)
+{
+    static ovo::ipc::MessageChannel channel(s.name, 16384);
+    static std::uint32_t sent = 0;
+    const std::uint32_t size = 4 + sent++ * 37 % 700;
+    channel.send(1, selfChecking(size).data(), size);
+    std::vector<unsigned char> body;
+    return channel.recv(0, body) && !whole(body) ? "a torn body was received" : "";
+}
+
+// What the killed traffic left: every body queued is whole, and the channel goes on.
+std::string channelWhole(const Scene&, void* held)
+{
+    auto& channel = *static_cast<ovo::ipc::MessageChannel*>(held);
+    std::vector<unsigned char> body;
+    while (channel.recv(0, body))
+        if (!whole(body))
+            return "a torn body was left in the channel";
+    const std::uint32_t size = 321;
+    if (!channel.send(2, selfChecking(size).data(), size) || !channel.recv(2, body) || !whole(body))
+        return "the channel took or gave no body after the kill";
+    return "";
+}
+
+// Sets the row's value to its two texts in turn.
+std::string setTexts(const Scene& s)
+{
+    static const ovo::win32::registry key = ovo_test::rowKey(s);
+    static unsigned n = 0;
+    key.setStringValue("text", ovo_test::rowText(n++));
+    return "";
+}
+
+// What a killed set left: the old text or the new one, and a set after it holds.
+std::string valueWhole(const Scene& s, void*)
+{
+    const ovo::win32::registry key = ovo_test::rowKey(s);
+    const std::string text = key.queryStringValue("text", "missing");
+    if (!ovo_test::isRowText(text))
+        return "a killed set left neither the old nor the new text: " + text.substr(0, 16);
+    key.setStringValue("text", ovo_test::rowText(0));
+    return key.queryStringValue("text", "") == ovo_test::rowText(0) ? "" : "a set after the kill did not hold";
+}
+
 const KilledOperation operations[] = {
+    {"send and removal on a channel", channelTraffic, channelWhole,
+     [](const Scene& s) -> std::shared_ptr<void> { return std::make_shared<ovo::ipc::MessageChannel>(s.name, 16384); },
+     nullptr, 1ms},
+    {"set of a registry value", setTexts, valueWhole,
+     [](const Scene& s) -> std::shared_ptr<void> {
+         ovo_test::rowKey(s).setStringValue("text", ovo_test::rowText(0));
+         return nullptr;
+     }},
     {"last close of a held mutex", dropHeldMutex, mutexGranted},
     {"close of a held mutex that others hold", dropHeldMutex, mutexGranted,
      [](const Scene& s) -> std::shared_ptr<void> { return std::make_shared<SystemMutex>(s.name); }},
@@ -110,7 +184,8 @@ class KillSweep : public ::testing::TestWithParam<KilledOperation> {};
 TEST_P(KillSweep, WhatAKilledProcessLeftKeepsEveryInvariant)
 {
     const KilledOperation& row = GetParam();
-    const Scene scene{ovo_test::sweepName(row.operation), "", ""};
+    const ovo_test::TempDir dir;
+    const Scene scene{ovo_test::sweepName(row.operation), dir.string(), ""};
     std::shared_ptr<void> held = row.hold ? row.hold(scene) : nullptr;
     std::mt19937 random(20261125);
     std::uniform_int_distribution<long long> moment(0, row.window.count());

@@ -9,9 +9,11 @@
 
 #include <ovo/ipc/named_objects.h>
 #include <ovo/ipc/shared_memory.h>
+#include <ovo/win32/registry.h>
 
 #include <algorithm>
 #include <cctype>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <vector>
@@ -99,6 +101,24 @@ inline void fillBytes(const ovo::ipc::SharedMemory& block, unsigned char value)
 {
     std::memset(block.begin(), value, static_cast<char*>(block.end()) - static_cast<char*>(block.begin()));
 }
+
+// The key of a row's values, in a registry store of the row's own directory.
+inline ovo::win32::registry rowKey(const Scene& s)
+{
+    setenv("XDG_CONFIG_HOME", s.dir.c_str(), 1);
+    ovo::win32::registry key(HKEY_CURRENT_USER, "Software\\" + s.name);
+    key.createAndOpen("Values", 0xF003F); // KEY_ALL_ACCESS
+    return key;
+}
+
+// The two texts that a row's value takes in turn: one that fits a first read, one that does not.
+inline const std::string& rowText(unsigned n)
+{
+    static const std::string texts[] = {"short", std::string(4000, 'L')};
+    return texts[n % 2];
+}
+
+inline bool isRowText(const std::string& text) { return text == rowText(0) || text == rowText(1); }
 
 } // namespace ovo_test
 

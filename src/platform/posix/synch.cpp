@@ -221,7 +221,8 @@ public:
     static const unsigned kinds = waitableKind | eventKind;
 
     EventObject(std::shared_ptr<NamedObject> object, DWORD access)
-        : WaitableObject(kinds, std::move(object), access), word_(static_cast<std::atomic<std::uint32_t>*>(object_->state()))
+        : WaitableObject(kinds, std::move(object), access),
+          word_(static_cast<std::atomic<std::uint32_t>*>(object_->state()))
     {
     }
 
