@@ -106,15 +106,6 @@ std::string channelWhole(const Scene&, void* held)
     return "";
 }
 
-// Sets the row's value to its two texts in turn.
-std::string setTexts(const Scene& s)
-{
-    static const ovo::win32::registry key = ovo_test::rowKey(s);
-    static unsigned n = 0;
-    key.setStringValue("text", ovo_test::rowText(n++));
-    return "";
-}
-
 // What a killed set left: the old text or the new one, and a set after it holds.
 std::string valueWhole(const Scene& s, void*)
 {
@@ -130,7 +121,7 @@ const KilledOperation operations[] = {
     {"send and removal on a channel", channelTraffic, channelWhole,
      [](const Scene& s) -> std::shared_ptr<void> { return std::make_shared<ovo::ipc::MessageChannel>(s.name, 16384); },
      nullptr, 1ms},
-    {"set of a registry value", setTexts, valueWhole,
+    {"set of a registry value", ovo_test::setRowTexts, valueWhole,
      [](const Scene& s) -> std::shared_ptr<void> {
          ovo_test::rowKey(s).setStringValue("text", ovo_test::rowText(0));
          return nullptr;

@@ -72,15 +72,6 @@ std::string takeOverRound(const Scene& s)
     }
 }
 
-// Sets the row's value to its two texts in turn.
-std::string setRound(const Scene& s)
-{
-    static const ovo::win32::registry key = ovo_test::rowKey(s);
-    static unsigned n = 0;
-    key.setStringValue("text", ovo_test::rowText(n++));
-    return "";
-}
-
 // Reads the row's value: never a text that nobody wrote.
 std::string queryRound(const Scene& s)
 {
@@ -89,7 +80,7 @@ std::string queryRound(const Scene& s)
 }
 
 const Race races[] = {
-    {"set and query of a registry value", {setRound, queryRound}},
+    {"set and query of a registry value", {ovo_test::setRowTexts, queryRound}},
     {"create and last close of a mutex", {mutexRound, mutexRound}},
     {"create and last close of shared memory", {blockRound, blockRound}},
     {"create and last close of a channel", {channelRound, channelRound}},

@@ -120,6 +120,15 @@ inline const std::string& rowText(unsigned n)
 
 inline bool isRowText(const std::string& text) { return text == rowText(0) || text == rowText(1); }
 
+// A round that sets the row's value to its two texts in turn.
+inline std::string setRowTexts(const Scene& s)
+{
+    static const ovo::win32::registry key = rowKey(s);
+    static unsigned n = 0;
+    key.setStringValue("text", rowText(n++));
+    return "";
+}
+
 } // namespace ovo_test
 
 #endif
