@@ -492,13 +492,28 @@ protected:
     Service startService()
     {
         const std::string pidFile = path("service" + std::to_string(++services_));
-        Service service{std::make_unique<ovo_test::ChildProcess>(
-                            "/usr/bin/nsenter",
-                            inside({"sh", "-c", "echo $$ >" + pidFile + " && exec pcscd -f -a >/dev/null 2>&1"})),
+        Service service{std::make_unique<ovo_test::ChildProcess>("/usr/bin/nsenter",
+                                                                 inside({"sh", "-c",
+                                                                         "rm -f /run/pcscd/* && echo $$ >" + pidFile +
+                                                                             " && exec pcscd -f -a >/dev/null 2>&1"})),
                         0};
         EXPECT_TRUE(shows(pidFile, "\n"));
         service.pid = std::stoi(ovo_test::readFile(pidFile));
         return service;
+    }
+
+    // Stops the service as Ctrl-C does; one that a loaded machine holds in its shutdown for
+    // ten seconds is killed: either way it is gone, as a service that stops.
+    static void stopService(Service& service)
+    {
+        ::kill(service.pid, SIGINT);
+        ovo_test::waitUntil(
+            [&] {
+                const std::string stat = ovo_test::readFile("/proc/" + std::to_string(service.pid) + "/stat");
+                return stat.empty() || stat.find(") Z ") != std::string::npos;
+            },
+            std::chrono::seconds(10), milliseconds(20));
+        service.process->kill();
     }
 
     std::unique_ptr<ovo_test::ChildProcess> world_;
@@ -525,7 +540,7 @@ TEST_F(OvoToolServiceTest, ReadersWatchWaitsOnceForTheServiceAndReportsWhatIsThe
     {
         Service first = startService();
         EXPECT_TRUE(reaches(added, 1));
-        first.process->interrupt();
+        stopService(first);
     }
     EXPECT_TRUE(reaches(waiting, 2));
     std::this_thread::sleep_for(std::chrono::seconds(1)); // the watch asks again and again, and says nothing
