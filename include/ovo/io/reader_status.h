@@ -40,8 +40,8 @@ struct ReaderStatus {
 /// the service's answer: a caller that must not wait for a stopped service bounds it.
 /// Each call has a context of its own: safe from any thread.
 /// @throws std::runtime_error ("::SCardEstablishContext() failed: SCard error: 0x8010001D",
-///         or ::SCardListReaders or ::SCardGetStatusChange with the service's code) when
-///         the service cannot be asked.
+///         or "::SCardListReaders() failed: ..." or "::SCardGetStatusChange() failed: ..."
+///         with the service's code) when the service cannot be asked.
 OVO_API std::vector<ReaderStatus> readerStatuses();
 
 } // namespace io
