@@ -1,6 +1,7 @@
 // Runs the registered benchmarks and ends with the ratios of our code to its references,
 // measured in the same run. Only ratios hold on a noisy machine; medians of repeated
-// runs make them steadier (the default is 5 repetitions).
+// runs make them steadier (the default is 5 repetitions). With --comparisons_json=FILE
+// each comparison, judged against its target, is also appended to FILE as a JSON line.
 #ifndef OVO_BENCH_RATIO_REPORT_H
 #define OVO_BENCH_RATIO_REPORT_H
 
