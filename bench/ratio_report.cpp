@@ -89,32 +89,33 @@ double medianOf(const MedianCollector& collector, const std::string& name)
 // A target that was not measured is not met (NaN compares false).
 Outcome judge(const MedianCollector& collector, const Comparison& c)
 {
-    Outcome outcome;
-    outcome.ours = medianOf(collector, c.ours);
-    double judged = outcome.ours;
-    if (!c.reference.empty()) {
-        outcome.reference = medianOf(collector, c.reference);
-        outcome.ratio = outcome.ours / outcome.reference;
-        judged = outcome.ratio;
-    }
+    Outcome o;
+    o.ours = medianOf(collector, c.ours);
+    o.reference = medianOf(collector, c.reference);
+    o.ratio = o.ours / o.reference;
+    const double judged = c.kind == Limit::ratio ? o.ratio : o.ours - o.reference;
     if (c.limit > 0)
-        outcome.verdict = judged <= c.limit ? "met" : "missed";
-    return outcome;
+        o.verdict = judged <= c.limit ? "met" : "missed";
+    return o;
+}
+
+std::string targetText(const Comparison& c)
+{
+    char text[32] = "";
+    if (c.limit > 0 && c.kind == Limit::ratio)
+        std::snprintf(text, sizeof text, "<= %.2f", c.limit);
+    else if (c.limit > 0)
+        std::snprintf(text, sizeof text, "<= +%.1f ns", c.limit);
+    return text;
 }
 
 void printTableLine(const Comparison& c, const Outcome& o)
 {
-    if (c.reference.empty()) {
-        std::printf("%-44s %12.2f %12s %8s  < %.1f ns %s\n", c.ours.c_str(), o.ours, "-", "-", c.limit,
-                    c.limit > 0 ? o.verdict : "");
-        return;
-    }
     const std::string against = c.ours + " / " + c.reference;
+    std::printf("%-44s %12.2f %12.2f %8.2f", against.c_str(), o.ours, o.reference, o.ratio);
     if (c.limit > 0)
-        std::printf("%-44s %12.2f %12.2f %8.2f  <= %.2f %s\n", against.c_str(), o.ours, o.reference, o.ratio, c.limit,
-                    o.verdict);
-    else
-        std::printf("%-44s %12.2f %12.2f %8.2f\n", against.c_str(), o.ours, o.reference, o.ratio);
+        std::printf("  %s %s", targetText(c).c_str(), o.verdict);
+    std::printf("\n");
 }
 
 // Our names hold no quote or backslash; a figure that is missing is null.
@@ -130,11 +131,10 @@ std::string jsonNumber(double value)
 void writeJsonLine(std::FILE* file, const std::string& program, const Comparison& c, const Outcome& o)
 {
     std::fprintf(file,
-                 "{\"program\": \"%s\", \"ours\": \"%s\", \"reference\": \"%s\", \"ours_ns\": %s, \"reference_ns\": %s, "
-                 "\"ratio\": %s, \"target\": %s, \"verdict\": \"%s\"}\n",
+                 "{\"program\": \"%s\", \"ours\": \"%s\", \"reference\": \"%s\", \"ours_ns\": %s, "
+                 "\"reference_ns\": %s, \"ratio\": %s, \"target\": \"%s\", \"verdict\": \"%s\"}\n",
                  program.c_str(), c.ours.c_str(), c.reference.c_str(), jsonNumber(o.ours).c_str(),
-                 jsonNumber(o.reference).c_str(), jsonNumber(o.ratio).c_str(),
-                 c.limit > 0 ? jsonNumber(c.limit).c_str() : "null", o.verdict);
+                 jsonNumber(o.reference).c_str(), jsonNumber(o.ratio).c_str(), targetText(c).c_str(), o.verdict);
 }
 
 std::string programName(const char* path)
@@ -175,13 +175,12 @@ int runAndCompare(int argc, char** argv, const std::vector<Comparison>& comparis
     benchmark::RunSpecifiedBenchmarks(&collector);
     benchmark::Shutdown();
 
-    std::printf("\n%-44s %12s %12s %8s  %s\n", "ours vs reference (medians)", "ours ns", "ref ns", "ratio",
-                "target");
+    std::printf("\n%-44s %12s %12s %8s  %s\n", "ours vs reference (medians)", "ours ns", "ref ns", "ratio", "target");
     const std::string program = programName(argv[0]);
     for (const Comparison& c : comparisons) {
         // A comparison that a filter left out of this run is no result; one whose
         // benchmark failed still counts against its target.
-        if (!collector.ran(c.ours) || (!c.reference.empty() && !collector.ran(c.reference)))
+        if (!collector.ran(c.ours) || !collector.ran(c.reference))
             continue;
         const Outcome outcome = judge(collector, c);
         printTableLine(c, outcome);

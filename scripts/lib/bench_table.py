@@ -16,22 +16,13 @@ def figure(value):
     return f"{value:.2f}" if value < 1000 else f"{value:.0f}"
 
 
-def target(comparison):
-    if comparison["target"] is None:
-        return "-"
-    if comparison["reference"]:
-        return f"<= {comparison['target']:.2f}"
-    return f"< {comparison['target']:g} ns"
-
-
 def main(lines_file, output_file, *facts):
     with open(lines_file) as lines:
         comparisons = [json.loads(line) for line in lines if line.strip()]
     rows = [["program", "ours / reference", "ours ns", "ref ns", "ratio", "target", "verdict"]]
     for c in comparisons:
-        against = f"{c['ours']} / {c['reference']}" if c["reference"] else c["ours"]
-        rows.append([c["program"], against, figure(c["ours_ns"]), figure(c["reference_ns"]), figure(c["ratio"]),
-                     target(c), c["verdict"]])
+        rows.append([c["program"], f"{c['ours']} / {c['reference']}", figure(c["ours_ns"]), figure(c["reference_ns"]),
+                     figure(c["ratio"]), c["target"] or "-", c["verdict"]])
     widths = [max(len(row[i]) for row in rows) for i in range(len(rows[0]))]
     rows.insert(1, ["-" * width for width in widths])
     for row in rows:
