@@ -178,11 +178,12 @@ int runAndCompare(int argc, char** argv, const std::vector<Comparison>& comparis
     std::printf("\n%-44s %12s %12s %8s  %s\n", "ours vs reference (medians)", "ours ns", "ref ns", "ratio", "target");
     const std::string program = programName(argv[0]);
     for (const Comparison& c : comparisons) {
-        // A comparison that a filter left out of this run is no result; one whose
-        // benchmark failed still counts against its target.
-        if (!collector.ran(c.ours) || !collector.ran(c.reference))
-            continue;
+        // A comparison that a filter left out of this run is no result, nor one without a
+        // target whose benchmark was skipped; with a target it counts as missed.
         const Outcome outcome = judge(collector, c);
+        const bool measured = !std::isnan(outcome.ratio);
+        if (!collector.ran(c.ours) || !collector.ran(c.reference) || (!measured && c.limit <= 0))
+            continue;
         printTableLine(c, outcome);
         if (json)
             writeJsonLine(json.get(), program, c, outcome);
