@@ -8,6 +8,7 @@
 #include <cstring>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 
@@ -57,10 +58,10 @@ bool given(const std::vector<char*>& args, const char* flag)
 }
 
 // Takes "--comparisons_json=FILE" out of the arguments, which Google Benchmark would refuse.
-std::string takeJsonFile(std::vector<char*>& args)
+std::optional<std::string> takeJsonFile(std::vector<char*>& args)
 {
     static const char flag[] = "--comparisons_json=";
-    std::string file;
+    std::optional<std::string> file;
     for (auto arg = args.begin() + 1; arg != args.end();) {
         if (std::strncmp(*arg, flag, sizeof flag - 1) == 0) {
             file = *arg + sizeof flag - 1;
@@ -148,7 +149,7 @@ std::string programName(const char* path)
 int runAndCompare(int argc, char** argv, const std::vector<Comparison>& comparisons)
 {
     std::vector<char*> args(argv, argv + argc);
-    const std::string jsonFile = takeJsonFile(args);
+    const std::optional<std::string> jsonFile = takeJsonFile(args);
     char repetitions[] = "--benchmark_repetitions=5";
     char aggregatesOnly[] = "--benchmark_report_aggregates_only=true";
     if (!given(args, "--benchmark_repetitions"))
@@ -162,10 +163,10 @@ int runAndCompare(int argc, char** argv, const std::vector<Comparison>& comparis
 
     // Appended to, so that the programs of one run can share the file.
     std::unique_ptr<std::FILE, int (*)(std::FILE*)> json(nullptr, std::fclose);
-    if (!jsonFile.empty()) {
-        json.reset(std::fopen(jsonFile.c_str(), "a"));
+    if (jsonFile) {
+        json.reset(std::fopen(jsonFile->c_str(), "a"));
         if (!json) {
-            std::fprintf(stderr, "cannot write the comparisons to %s: %s\n", jsonFile.c_str(), std::strerror(errno));
+            std::fprintf(stderr, "cannot write the comparisons to '%s': %s\n", jsonFile->c_str(), std::strerror(errno));
             return 2;
         }
     }

@@ -17,8 +17,12 @@ def figure(value):
 
 
 def main(lines_file, output_file, *facts):
-    with open(lines_file) as lines:
-        comparisons = [json.loads(line) for line in lines if line.strip()]
+    try:
+        with open(lines_file) as lines:
+            comparisons = [json.loads(line) for line in lines if line.strip()]
+    except (OSError, ValueError) as error:  # no program wrote, or one died while writing
+        print(f"bench-full: no comparisons to tabulate from {lines_file}: {error}")
+        return 1
     rows = [["program", "ours / reference", "ours ns", "ref ns", "ratio", "target", "verdict"]]
     for c in comparisons:
         rows.append([c["program"], f"{c['ours']} / {c['reference']}", figure(c["ours_ns"]), figure(c["reference_ns"]),
