@@ -95,9 +95,10 @@ BENCHMARK(handBuiltHex32);
 
 int main(int argc, char** argv)
 {
+    // A filtered message costs about a virtual call: no absolute bound in nanoseconds,
+    // which measures the machine more than the logger.
     return ovo_bench::runAndCompare(argc, argv,
-                                    {{"filteredTrace", "", 2.0},
-                                     {"filteredTrace", "virtualCallFloor", 0},
+                                    {{"filteredTrace", "virtualCallFloor", 0},
                                      {"filteredTrace", "spdlog_filteredTrace", 0},
                                      {"infoHex32", "handBuiltHex32", 0}});
 }

@@ -23,6 +23,10 @@
 #           in the -dev package, a client and every example built against it and run)
 #   fuzz    every libFuzzer target for a short run (OVO_FUZZ_SECONDS each, default 10)
 #   bench   every benchmark, briefly (figures and ratios only, no verdict)
+# and one suite that runs only when named:
+#   bench-full  every benchmark in full (9 repetitions of 0.2 s, randomly interleaved), then
+#           one table of every ratio of medians against its target, met or missed, also
+#           written to build/bench-full.json; it fails when a target is missed
 # Give suite names as arguments to run only those. Builds go to build/<suite>. The last line
 # counts the tests that passed, failed and skipped; OVO_NO_CARD_SERVICE=1 lets the cases
 # that need the PC/SC service skip when it cannot be started (they fail otherwise).
@@ -149,12 +153,12 @@ suite_win32() {
         ls "$builds"/win32/packages/*.zip
 }
 
-# The linux build's library alone, for the suites that only need it.
-linuxLibrary() {
+# Targets of the linux build alone, for the suites that only need them.
+linuxTargets() { # target...
     [ -f "$builds/linux/build.ninja" ] ||
         cmake -S "$root" -B "$builds/linux" -G Ninja "${launchers[@]}" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DOVO_BUILD_BENCHMARKS=ON \
             >"$builds/linux.configure.log" || return 1
-    cmake --build "$builds/linux" -j "$jobs" --target ovosystem
+    cmake --build "$builds/linux" -j "$jobs" --target "$@"
 }
 
 # Adds the counts of pytest's closing line ("== 3 failed, 40 passed, 1 skipped in 9.50s ==").
@@ -172,7 +176,7 @@ countPytest() {
 
 suite_python() {
     local dir=$builds/python
-    linuxLibrary || return 1
+    linuxTargets ovosystem || return 1
     rm -rf "$dir" && /usr/bin/python3 -m venv --system-site-packages "$dir/venv" || return 1
     # Offline: no build isolation, the distribution's setuptools builds the package (from a
     # copy, since the build writes beside the sources).
@@ -186,7 +190,7 @@ suite_python() {
 }
 
 suite_abi() {
-    linuxLibrary && check "$root/scripts/abi.sh" check "$builds/linux/src/libovosystem.so"
+    linuxTargets ovosystem && check "$root/scripts/abi.sh" check "$builds/linux/src/libovosystem.so"
 }
 
 suite_package() {
@@ -227,6 +231,26 @@ suite_bench() {
         log "$(basename "$bench")"
         "$bench" --benchmark_min_time=0.05 --benchmark_repetitions=3 --benchmark_color=false || return 1
     done
+}
+
+# Benchmarks are no tests: this suite adds nothing to the counts of the last line. Each
+# program appends its comparisons, judged, to one file of JSON lines; the table is made
+# from those.
+suite_bench-full() {
+    linuxTargets benchmarks || return 1
+    local lines=$builds/bench-full.jsonl status=0 started loadBefore
+    started=$(date -u +%FT%TZ)
+    loadBefore=$(cut -d' ' -f1-3 /proc/loadavg)
+    rm -f "$lines"
+    for bench in "$builds"/linux/bin/*_bench; do
+        log "$(basename "$bench")"
+        "$bench" --benchmark_repetitions=9 --benchmark_min_time=0.2 --benchmark_enable_random_interleaving=true \
+            --benchmark_color=false --comparisons_json="$lines" || { echo "$(basename "$bench") failed"; status=1; }
+    done
+    log "bench-full: ours / reference, medians of 9 runs of 0.2 s (load average $loadBefore before)"
+    /usr/bin/python3 "$root/scripts/lib/bench_table.py" "$lines" "$builds/bench-full.json" "started=$started" \
+        "load_average_before=$loadBefore" "load_average_after=$(cut -d' ' -f1-3 /proc/loadavg)" || status=1
+    return $status
 }
 
 # The PC/SC service with the virtual reader driver, on loopback, for the smart-card tests
