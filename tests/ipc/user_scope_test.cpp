@@ -113,20 +113,6 @@ TEST_F(UserScopeTest, LocalNamesLiveInTheSessionsDirectoryWhenItIsTheUsersAlone)
     EXPECT_EQ(names, (std::set<std::string>{".", "..", ".hidden"}));
 }
 
-// "Global\" names are one namespace for every session: a process without one (a service)
-// finds the object held, where the same "Local\" name is an object of its own.
-TEST_F(UserScopeTest, GlobalNamesAreOneNamespaceForEverySession)
-{
-    for (const std::string scope : {"Global\\", "Local\\"}) {
-        SystemMutex held(scope + name("scope"));
-        held.lock();
-        const std::vector<std::string> sessionless{
-            "-u", "XDG_RUNTIME_DIR", ovo_test::siblingProgram("ipc_peer"), "try-mutex", scope + name("scope"), "0"};
-        EXPECT_EQ(ovo_test::runProgram("/usr/bin/env", sessionless), scope == "Global\\" ? 1 : 0) << scope;
-        held.unlock();
-    }
-}
-
 TEST_F(UserScopeTest, AnotherUsersProcessGetsObjectsOfItsOwn)
 {
     if (geteuid() != 0)
