@@ -102,6 +102,7 @@ TEST(PosixLayer, GlobalNamesAreOneNamespaceForEverySession)
     for (const std::string scope : {"Global\\", "Local\\"}) {
         const std::string name = scope + "ovotest-scope-" + std::to_string(getpid());
         HANDLE held = CreateMutexA(nullptr, TRUE, name.c_str());
+        ASSERT_NE(held, nullptr) << scope << ": " << GetLastError();
         ovo_test::ForkedProcess sessionless([&] {
             unsetenv("XDG_RUNTIME_DIR");
             HANDLE mutex = CreateMutexA(nullptr, FALSE, name.c_str());
