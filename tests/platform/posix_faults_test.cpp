@@ -1,5 +1,5 @@
 // The POSIX layer when the system fails it: its calls fail with the Win32 code of the cause, retry what was only
-// interrupted, and leave no half-written state behind. And where the layer puts a name of every session.
+// interrupted, and leave no half-written state behind; a "Global\" name reaches one object from every session.
 #include "fakes/faulty_system_calls.h"
 #include "platform/win32.h"
 #include "support/forked_process.h"
