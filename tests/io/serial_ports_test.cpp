@@ -39,13 +39,15 @@ TEST(SerialPorts, SysfsTreeGivesThePortsWithHardwareAndEveryKnownField)
     EXPECT_EQ(portsUnder(root.path()),
               (std::vector<std::string>{
                   "ttyACM0|u-blox GNSS receiver|1546|01a8||u-blox AG|u-blox GNSS receiver|00||"
-                  "/dev/serial/by-id/usb-u-blox_AG_u-blox_GNSS_receiver-if00",
+                  "/dev/serial/by-id/usb-u-blox_AG_u-blox_GNSS_receiver-if00|"
+                  "/dev/serial/by-path/pci-0000:00:14.0-usb-0:3:1.0|/dev/serial/by-path/pci-0000:00:14.0-usbv2-0:3:1.0",
                   "ttyACM10|LTE modem - GNSS data|1546|1102||u-blox AG|LTE modem|02|GNSS data",
                   "ttyACM9|LTE modem - AT commands|1546|1102||u-blox AG|LTE modem|00|AT commands",
-                  "ttyS0|16550A UART|||||||",
+                  "ttyS0|16750 UART|||||||",
                   "ttyUSB0|FT232R USB UART|0403|6001|A50285BI|FTDI|FT232R USB UART|00|FT232R serial|"
                   "/dev/serial/by-id/usb-FTDI_FT232R_USB_UART_A50285BI-if00-port0|"
-                  "/dev/serial/by-path/pci-0000:00:14.0-usb-0:2:1.0-port0",
+                  "/dev/serial/by-path/pci-0000:00:14.0-usb-0:2:1.0-port0|"
+                  "/dev/serial/by-path/pci-0000:00:14.0-usbv2-0:2:1.0-port0",
                   "ttyUSB10|USB-Serial Controller|067b|2303||Prolific Technology Inc.|USB-Serial Controller|00|",
               }));
     // Without names the description falls back to the interface's, then to the driver's.

@@ -1,7 +1,8 @@
 // The POSIX layer when the system fails it: its calls fail with the Win32 code of the cause, retry what was only
-// interrupted, and leave no half-written state behind.
+// interrupted, and leave no half-written state behind; a "Global\" name reaches one object from every session.
 #include "fakes/faulty_system_calls.h"
 #include "platform/win32.h"
+#include "support/forked_process.h"
 #include "support/temp_dir.h"
 
 #include <gtest/gtest.h>
@@ -88,5 +89,27 @@ TEST(PosixFaults, ANamedObjectThatCannotBeMadeLeavesNothing)
     ASSERT_NE(mapping, nullptr); // the name is free and works again
     CloseHandle(mapping);
     EXPECT_FALSE(std::filesystem::exists(file));
+    unsetenv("XDG_RUNTIME_DIR");
+}
+
+// "Global\" names are one namespace for every session: a process without one (a service)
+// finds the mutex held, where the same "Local\" name is a mutex of its own.
+TEST(PosixLayer, GlobalNamesAreOneNamespaceForEverySession)
+{
+    ovo_test::TempDir runtime;
+    std::filesystem::permissions(runtime.path(), std::filesystem::perms::owner_all);
+    setenv("XDG_RUNTIME_DIR", runtime.string().c_str(), 1);
+    for (const std::string scope : {"Global\\", "Local\\"}) {
+        const std::string name = scope + "ovotest-scope-" + std::to_string(getpid());
+        HANDLE held = CreateMutexA(nullptr, TRUE, name.c_str());
+        ASSERT_NE(held, nullptr) << scope << ": " << GetLastError();
+        ovo_test::ForkedProcess sessionless([&] {
+            unsetenv("XDG_RUNTIME_DIR");
+            HANDLE mutex = CreateMutexA(nullptr, FALSE, name.c_str());
+            return mutex != nullptr && WaitForSingleObject(mutex, 0) == WAIT_OBJECT_0 ? 0 : 1;
+        });
+        EXPECT_EQ(sessionless.wait(), scope == "Global\\" ? 1 : 0) << scope;
+        CloseHandle(held);
+    }
     unsetenv("XDG_RUNTIME_DIR");
 }

@@ -107,6 +107,10 @@ TEST_F(RegistryStoreTest, NamesStayInsideTheStore)
     EXPECT_TRUE(longest.createAndOpen(std::string(255, 'k'), allAccess));
     EXPECT_FALSE(tooLong.createAndOpen(std::string(256, 'k'), allAccess));
     EXPECT_TRUE(std::filesystem::is_directory(keyDirectory.parent_path() / std::string(255, 'k'))); // named as before
+    registry escaped(HKEY_CURRENT_USER, base), inCapitals(HKEY_CURRENT_USER, base); // too long a file name escaped
+    ASSERT_TRUE(escaped.createAndOpen(std::string(254, '%') + "k", allAccess));
+    escaped.setDWORDValue("Mark", 1);
+    EXPECT_TRUE(inCapitals.open(std::string(254, '%') + "K", readAccess) && inCapitals.queryDWORDValue("Mark", 0) == 1);
     ASSERT_EQ(::mkfifo((keyDirectory / "%vfifo").c_str(), 0600), 0);
     EXPECT_EQ(store.queryStringValue("fifo", "none"), "none"); // at once, not blocked on the FIFO
     std::ofstream(keyDirectory / "%next") << "left by a writer killed mid-way";

@@ -1,6 +1,7 @@
 // A sysfs tree as the kernel lays out serial ports, built under a directory: a USB
 // adapter, two modems (one with two ports), an adapter whose strings end in blanks, a
-// UART, a reserved ttyS and a device without hardware; with the udev links to them.
+// UART, a reserved ttyS and a device without hardware; with the udev links to them (a
+// USB port has two by-path links, usb- and usbv2-, which no directory need list in order).
 #ifndef OVO_TESTS_SUPPORT_SYSFS_TREE_H
 #define OVO_TESTS_SUPPORT_SYSFS_TREE_H
 
@@ -24,6 +25,7 @@ inline const std::vector<std::pair<std::string, std::string>> sysfsMachine = {
     {"sys/class/tty/ttyUSB0", "-> ../../devices/pci0000:00/0000:00:14.0/usb1/1-2/1-2:1.0/ttyUSB0/tty/ttyUSB0"},
     {"dev/serial/by-id/usb-FTDI_FT232R_USB_UART_A50285BI-if00-port0", "-> ../../ttyUSB0"},
     {"dev/serial/by-path/pci-0000:00:14.0-usb-0:2:1.0-port0", "-> ../../ttyUSB0"},
+    {"dev/serial/by-path/pci-0000:00:14.0-usbv2-0:2:1.0-port0", "-> ../../ttyUSB0"},
     // A modem without a serial number or an interface name.
     {usbBus + "1-3", "idVendor=1546;idProduct=01a8;manufacturer=u-blox AG;product=u-blox GNSS receiver"},
     {usbBus + "1-3/1-3:1.0", "bInterfaceNumber=00"},
@@ -31,6 +33,8 @@ inline const std::vector<std::pair<std::string, std::string>> sysfsMachine = {
     {usbBus + "1-3/1-3:1.0/tty/ttyACM0/device", "-> ../../../1-3:1.0"},
     {"sys/class/tty/ttyACM0", "-> ../../devices/pci0000:00/0000:00:14.0/usb1/1-3/1-3:1.0/tty/ttyACM0"},
     {"dev/serial/by-id/usb-u-blox_AG_u-blox_GNSS_receiver-if00", "-> ../../ttyACM0"},
+    {"dev/serial/by-path/pci-0000:00:14.0-usbv2-0:3:1.0", "-> ../../ttyACM0"},
+    {"dev/serial/by-path/pci-0000:00:14.0-usb-0:3:1.0", "-> ../../ttyACM0"},
     // A modem with two ports, each on an interface of its own name.
     {usbBus + "1-4", "idVendor=1546;idProduct=1102;manufacturer=u-blox AG;product=LTE modem"},
     {usbBus + "1-4/1-4:1.0", "bInterfaceNumber=00;interface=AT commands"},
@@ -47,7 +51,7 @@ inline const std::vector<std::pair<std::string, std::string>> sysfsMachine = {
     {"sys/class/tty/ttyUSB10", "-> ../../devices/pci0000:00/0000:00:14.0/usb1/1-5/1-5:1.0/ttyUSB10/tty/ttyUSB10"},
     // A UART, one reserved for a UART that is not there, and a device without hardware.
     {"sys/devices/pnp0/00:00/00:00:0/00:00:0.0/driver", "-> ../../../../../bus/serial-base/drivers/port"},
-    {"sys/devices/pnp0/00:00/00:00:0/00:00:0.0/tty/ttyS0", "type=4"},
+    {"sys/devices/pnp0/00:00/00:00:0/00:00:0.0/tty/ttyS0", "type=8"},
     {"sys/devices/pnp0/00:00/00:00:0/00:00:0.0/tty/ttyS0/device", "-> ../../../00:00:0.0"},
     {"sys/class/tty/ttyS0", "-> ../../devices/pnp0/00:00/00:00:0/00:00:0.0/tty/ttyS0"},
     {"sys/devices/platform/serial8250/tty/ttyS1", "type=0"},

@@ -311,7 +311,7 @@ TEST_F(OvoToolTest, PortsAsATableAndAsJsonInNaturalOrderWithStrangeBytesMadeHarm
                            "u-blox_AG_u-blox_GNSS_receiver-if00\n"
                            "ttyACM9   LTE modem - AT commands  1546:1102\n"
                            "ttyACM10  LTE modem - GNSS data    1546:1102\n"
-                           "ttyS0     16550A UART\n"
+                           "ttyS0     16750 UART\n"
                            "ttyUSB0   FT232R\\x1B[2J            0403:6001  A5\\xE9  " +
                            byId +
                            "FTDI_FT232R_USB_UART_A50285BI-if00-port0\n"
@@ -324,7 +324,8 @@ TEST_F(OvoToolTest, PortsAsATableAndAsJsonInNaturalOrderWithStrangeBytesMadeHarm
                              "\"interfaceName\":\"FT232R serial\",\"stablePaths\":[\"" +
                              byId +
                              "FTDI_FT232R_USB_UART_A50285BI-if00-port0\",\"/dev/serial/by-path/"
-                             "pci-0000:00:14.0-usb-0:2:1.0-port0\"]}";
+                             "pci-0000:00:14.0-usb-0:2:1.0-port0\",\"/dev/serial/by-path/"
+                             "pci-0000:00:14.0-usbv2-0:2:1.0-port0\"]}";
     EXPECT_NE(json.find(",\n " + ftdi + ",\n "), std::string::npos) << json;
     EXPECT_EQ(jsonValues(json)["name"],
               (std::vector<std::string>{"ttyACM0", "ttyACM9", "ttyACM10", "ttyS0", "ttyUSB0", "ttyUSB10"}));
