@@ -159,7 +159,7 @@ const KilledOperation operations[] = {
      },
      [](const Scene& s) -> std::shared_ptr<void> { return std::make_shared<SystemMutex>(s.name + "-held"); },
      [](const Scene& s) { // three blocks of a process that dies as a crash ends it: its files stay
-         ovo_test::ForkedProcess([&] {
+         ovo_test::ChildProcess([&] {
              for (const char* tag : {"-stale0", "-stale1", "-stale2"})
                  new SharedMemory(s.name + tag, 4096);
              return 0;
