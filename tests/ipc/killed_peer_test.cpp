@@ -3,7 +3,6 @@
 // starts them again; once they stop, the invariant must hold. The rows here are the message
 // channel's: three senders and three receivers on one channel, the senders, the receivers
 // or anyone killed.
-#include "ipc/channel_ledger.h"
 #include "ipc/ipc_test.h"
 #include "ipc/removal_journal.h"
 

@@ -3,7 +3,6 @@
 // journal that a kill at that point would leave; each state, copied into a channel of its
 // own, is put right by that channel's next holder: the messages left are intact, in order
 // and back to back, and every one gone was taken by the receiver or is counted as dropped.
-#include "ipc/channel_ledger.h"
 #include "ipc/ipc_test.h"
 #include "ipc/removal_journal.h"
 
