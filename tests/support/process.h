@@ -9,6 +9,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -20,7 +21,6 @@
 #  define OVO_TEST_PROGRAM_SUFFIX ".exe"
 #else
 #  include <climits>
-#  include <functional>
 #  include <fcntl.h>
 #  include <signal.h>
 #  include <spawn.h>
