@@ -32,9 +32,9 @@ const unsigned kills = 100;
 #endif
 
 const KilledPeerRow rows[] = {
-    {"channel-senders-killed", {"sender"}, kills},
-    {"channel-receivers-killed", {"receiver"}, kills},
-    {"channel-anyone-killed", {"sender", "receiver"}, kills},
+    {"channel_senders_killed", {"sender"}, kills},
+    {"channel_receivers_killed", {"receiver"}, kills},
+    {"channel_anyone_killed", {"sender", "receiver"}, kills},
 };
 
 class KilledPeerTest : public ovo_test::IpcTest, public ::testing::WithParamInterface<KilledPeerRow> {};
@@ -135,10 +135,6 @@ TEST_P(KilledPeerTest, EveryMessageCommittedIsReceivedQueuedOrCountedAsDroppedAn
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, KilledPeerTest, ::testing::ValuesIn(rows),
-                         [](const ::testing::TestParamInfo<KilledPeerRow>& row) {
-                             std::string name = row.param.name;
-                             std::replace(name.begin(), name.end(), '-', '_');
-                             return name;
-                         });
+                         [](const auto& row) { return row.param.name; });
 
 } // namespace
