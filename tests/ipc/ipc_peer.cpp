@@ -1,7 +1,6 @@
 // The other process of the inter-process tests. A command with READY and RELEASE files
 // takes its objects, leaves READY as its sign that it got so far, and waits for RELEASE
 // ("-": for the kill that ends it); its exit status is its answer.
-#include "ipc/channel_ledger.h"
 #include "ipc/ipc_test.h"
 
 #include <ovo/logger/logger.h>
@@ -137,9 +136,10 @@ int run(const Args& a)
     }
     if (command == "stress-send") { // NAME SENDER COUNT
         ovo::ipc::MessageChannel channel(a.at(1), ovo_test::stressChannelSize);
-        for (unsigned sequence = 0; sequence < number(a.at(3)); ++sequence) {
-            std::vector<unsigned char> body = ovo_test::stressBody(number(a.at(2)), sequence);
-            while (!channel.send(number(a.at(2)), body.data(), static_cast<unsigned int>(body.size())))
+        std::vector<unsigned char> body(512);
+        for (unsigned sender = number(a.at(2)), sequence = 0; sequence < number(a.at(3)); ++sequence) {
+            ovo_test::writeBody(body.data(), ovo_test::stressSize(sender, sequence), {sender, sequence});
+            while (!channel.send(sender, body.data(), ovo_test::stressSize(sender, sequence)))
                 std::this_thread::yield();
         }
         return 0;

@@ -3,7 +3,6 @@
 // starts them again; once they stop, the invariant must hold. The rows here are the message
 // channel's: three senders and three receivers on one channel, the senders, the receivers
 // or anyone killed.
-#include "ipc/channel_ledger.h"
 #include "ipc/ipc_test.h"
 #include "ipc/removal_journal.h"
 
@@ -33,9 +32,9 @@ const unsigned kills = 100;
 #endif
 
 const KilledPeerRow rows[] = {
-    {"channel-senders-killed", {"sender"}, kills},
-    {"channel-receivers-killed", {"receiver"}, kills},
-    {"channel-anyone-killed", {"sender", "receiver"}, kills},
+    {"channel_senders_killed", {"sender"}, kills},
+    {"channel_receivers_killed", {"receiver"}, kills},
+    {"channel_anyone_killed", {"sender", "receiver"}, kills},
 };
 
 class KilledPeerTest : public ovo_test::IpcTest, public ::testing::WithParamInterface<KilledPeerRow> {};
@@ -136,10 +135,6 @@ TEST_P(KilledPeerTest, EveryMessageCommittedIsReceivedQueuedOrCountedAsDroppedAn
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, KilledPeerTest, ::testing::ValuesIn(rows),
-                         [](const ::testing::TestParamInfo<KilledPeerRow>& row) {
-                             std::string name = row.param.name;
-                             std::replace(name.begin(), name.end(), '-', '_');
-                             return name;
-                         });
+                         [](const auto& row) { return row.param.name; });
 
 } // namespace

@@ -170,10 +170,13 @@ TEST_F(MessageChannelTest, ProcessesExchangeEveryMessageOnceIntactAndInOrder)
             std::this_thread::yield();
             continue;
         }
-        std::uint32_t sender = 0;
-        std::memcpy(&sender, body.data(), std::min<std::size_t>(body.size(), 4));
+        ovo_test::Identity message;
+        const auto size = static_cast<std::uint32_t>(body.size());
+        ASSERT_TRUE(ovo_test::bodyIsIntact(body.data(), size, message)) << "torn: " << turn;
+        const std::uint32_t sender = message.first;
         ASSERT_TRUE(next.count(sender) == 1 && (id == 0 || id == sender)) << turn;
-        ASSERT_EQ(body, ovo_test::stressBody(sender, next[sender]++)) << "torn or out of order: " << sender;
+        ASSERT_EQ(message.second, next[sender]++) << "out of order: " << sender;
+        ASSERT_EQ(size, ovo_test::stressSize(sender, message.second));
     }
     EXPECT_EQ(first.wait(), 0);
     EXPECT_EQ(second.wait(), 0);

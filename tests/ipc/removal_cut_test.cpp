@@ -3,7 +3,6 @@
 // journal that a kill at that point would leave; each state, copied into a channel of its
 // own, is put right by that channel's next holder: the messages left are intact, in order
 // and back to back, and every one gone was taken by the receiver or is counted as dropped.
-#include "ipc/channel_ledger.h"
 #include "ipc/ipc_test.h"
 #include "ipc/removal_journal.h"
 
@@ -35,13 +34,13 @@ struct CutRow {
 void PrintTo(const CutRow& row, std::ostream* out) { *out << row.name; }
 
 const CutRow rows[] = {
-    {"small-bodies-in-one-move", std::vector<std::uint32_t>(20, 40), 0, 20},
-    {"bodies-that-fit-the-hole", {3000, 1000, 1000, 500}, 0, 1},
-    {"windows-that-fit-the-hole", {16400, 6000, 6000, 6000}, 0, 1},
-    {"taken-from-the-middle", {100, 200, 300, 400, 500, 600}, 3, 4},
-    {"a-tail-of-two-windows", std::vector<std::uint32_t>(36, 500), 0, 33},
-    {"an-empty-body", {0, 12, 300, 12}, 0, 1},
-    {"the-youngest", {40, 40, 500}, 3, 1},
+    {"small_bodies_in_one_move", std::vector<std::uint32_t>(20, 40), 0, 20},
+    {"bodies_that_fit_the_hole", {3000, 1000, 1000, 500}, 0, 1},
+    {"windows_that_fit_the_hole", {16400, 6000, 6000, 6000}, 0, 1},
+    {"taken_from_the_middle", {100, 200, 300, 400, 500, 600}, 3, 4},
+    {"a_tail_of_two_windows", std::vector<std::uint32_t>(36, 500), 0, 33},
+    {"an_empty_body", {0, 12, 300, 12}, 0, 1},
+    {"the_youngest", {40, 40, 500}, 3, 1},
 };
 
 // A channel of its own that is given each state in turn and repaired by its next holder.
@@ -142,10 +141,6 @@ TEST_P(RemovalCutTest, EveryStateAKillLeavesIsPutRight)
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, RemovalCutTest, ::testing::ValuesIn(rows),
-                         [](const ::testing::TestParamInfo<CutRow>& row) {
-                             std::string name = row.param.name;
-                             std::replace(name.begin(), name.end(), '-', '_');
-                             return name;
-                         });
+                         [](const auto& row) { return row.param.name; });
 
 } // namespace

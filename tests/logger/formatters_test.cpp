@@ -1,5 +1,6 @@
 #include <ovo/logger/formatters.h>
 
+#include "support/log_file_name.h"
 #include "support/process.h"
 
 #include <gtest/gtest.h>
@@ -21,13 +22,7 @@ bool stampedBetween(std::chrono::system_clock::time_point before, const std::str
 {
     auto stampOf = [](std::chrono::system_clock::time_point at) {
         const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(at.time_since_epoch()).count();
-        const auto seconds = static_cast<std::time_t>(ms / 1000);
-        std::tm local{};
-#if defined(_WIN32)
-        localtime_s(&local, &seconds);
-#else
-        localtime_r(&seconds, &local);
-#endif
+        const std::tm local = ovo_test::localTime(static_cast<std::time_t>(ms / 1000));
         char stamp[16];
         std::snprintf(stamp, sizeof stamp, "%02d:%02d:%02d.%03d", local.tm_hour, local.tm_min, local.tm_sec,
                       static_cast<int>(ms % 1000));

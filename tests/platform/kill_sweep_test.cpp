@@ -2,6 +2,7 @@
 // victim repeats the operation, a SIGKILL ends it at a random moment, and the row's check
 // looks at what it left; 150 kills a row. After each check nothing of the row's names is
 // stale, and after the row nothing of them is left at all.
+#include "ipc/channel_ledger.h"
 #include "platform/sweep.h"
 #include "support/temp_dir.h"
 
@@ -62,23 +63,11 @@ std::string freshBlockMade(const Scene& s)
     return made ? "" : "a block that nobody held was not made anew and empty";
 }
 
-// A body of `size` bytes that tells its size in its first four and follows from it.
-std::vector<unsigned char> selfChecking(std::uint32_t size)
-{
-    std::vector<unsigned char> body(size);
-    std::memcpy(body.data(), &size, 4);
-    for (std::size_t i = 4; i < size; ++i)
-        body[i] = static_cast<unsigned char>(size * 7 + i);
-    return body;
-}
-
+// Whether a body that the channel gave is whole (a self-checking one of channel_ledger.h).
 bool whole(const std::vector<unsigned char>& body)
 {
-    std::uint32_t size = 0;
-    if (body.size() < 4)
-        return false;
-    std::memcpy(&size, body.data(), 4);
-    return size == body.size() && body == selfChecking(size);
+    ovo_test::Identity message;
+    return ovo_test::bodyIsIntact(body.data(), static_cast<std::uint32_t>(body.size()), message);
 }
 
 // Sends a body of the next size and takes the oldest, which must be whole.
@@ -86,9 +75,10 @@ std::string channelTraffic(const Scene& s)
 {
     static ovo::ipc::MessageChannel channel(s.name, 16384);
     static std::uint32_t sent = 0;
-    const std::uint32_t size = 4 + sent++ * 37 % 700;
-    channel.send(1, selfChecking(size).data(), size);
-    std::vector<unsigned char> body;
+    const std::uint32_t size = 12 + sent * 37 % 700;
+    std::vector<unsigned char> body(size);
+    ovo_test::writeBody(body.data(), size, {0, sent++});
+    channel.send(1, body.data(), size);
     return channel.recv(0, body) && !whole(body) ? "a torn body was received" : "";
 }
 
@@ -100,8 +90,9 @@ std::string channelWhole(const Scene&, void* held)
     while (channel.recv(0, body))
         if (!whole(body))
             return "a torn body was left in the channel";
-    const std::uint32_t size = 321;
-    if (!channel.send(2, selfChecking(size).data(), size) || !channel.recv(2, body) || !whole(body))
+    body.resize(321);
+    ovo_test::writeBody(body.data(), 321, {1, 0});
+    if (!channel.send(2, body.data(), 321) || !channel.recv(2, body) || !whole(body))
         return "the channel took or gave no body after the kill";
     return "";
 }
@@ -159,7 +150,7 @@ const KilledOperation operations[] = {
      },
      [](const Scene& s) -> std::shared_ptr<void> { return std::make_shared<SystemMutex>(s.name + "-held"); },
      [](const Scene& s) { // three blocks of a process that dies as a crash ends it: its files stay
-         ovo_test::ForkedProcess([&] {
+         ovo_test::ChildProcess([&] {
              for (const char* tag : {"-stale0", "-stale1", "-stale2"})
                  new SharedMemory(s.name + tag, 4096);
              return 0;

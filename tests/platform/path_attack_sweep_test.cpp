@@ -53,12 +53,12 @@ struct OpenedPath {
 // gives what the call gave, and the exit status.
 std::pair<std::string, int> inProcessOf(uid_t user, const std::function<std::string()>& call)
 {
-    ovo_test::ForkedProcess child([&] {
+    ovo_test::ChildProcess child([&] {
         if (user != 0 &&
             (setgroups(0, nullptr) != 0 || setresgid(user, user, user) != 0 || setresuid(user, user, user) != 0))
             return 3;
         alarm(10);
-        ovo_test::ForkedProcess::tell(call());
+        ovo_test::ChildProcess::tell(call());
         return 0;
     });
     const std::string said = child.heard();

@@ -56,7 +56,7 @@ std::string takeOverRound(const Scene& s)
     static unsigned round = 0;
     const unsigned batch = 100, index = round++ % batch;
     if (index == 0)
-        ovo_test::ForkedProcess([&] {
+        ovo_test::ChildProcess([&] {
             for (unsigned i = 0; i < batch; ++i)
                 ovo_test::fillBytes(*new SharedMemory(s.name + std::to_string(i), 4096), 0x5A);
             return 0; // its descriptors go, its files stay: stale
@@ -103,7 +103,7 @@ TEST_P(RaceSweep, EveryRoundOfEverySideKeepsItsInvariants)
     const Scene scene{ovo_test::sweepName(race.operations), dir.string(), ""};
     const auto companion = race.companion ? ovo_test::repeated(race.companion, scene, 0) : nullptr;
     ASSERT_TRUE(companion == nullptr || companion->heard(1) == "r");
-    std::vector<std::unique_ptr<ovo_test::ForkedProcess>> sides;
+    std::vector<std::unique_ptr<ovo_test::ChildProcess>> sides;
     for (const ovo_test::SweepRound& side : race.sides)
         sides.push_back(ovo_test::repeated(side, scene, ovo_test::sweepRounds(rounds)));
     for (auto& side : sides)

@@ -153,11 +153,11 @@ TEST_F(RegistryStoreTest, ALinkThatAnotherUserPlantedIsNeverFollowed)
 #endif
 
 // Another process writes a text 300 times while this one reads it and writes its own values, beside 5 MB: every read
-// is a text that was written, no write is lost; a writer killed mid-way leaves the old or the new text.
+// is a text that was written, no write is lost. (The sweeps kill a writer and race queries with sets on Linux.)
 TEST_F(RegistryStoreTest, TwoProcessesShareAKeyWithoutTornOrLostValues)
 {
     store.setStringValue("ballast", std::string(5 << 20, 'b'));
-    ChildProcess writer("registry_peer", {key("Key"), "300", file("written")});
+    ChildProcess writer("registry_peer", {key("Key"), file("written")});
     ASSERT_TRUE(ovo_test::waitForFile(file("written")));
     for (unsigned n = 0; n < 300; ++n) {
         EXPECT_TRUE(isAPeersText(store.queryStringValue("text", "none"))) << n;
@@ -167,28 +167,6 @@ TEST_F(RegistryStoreTest, TwoProcessesShareAKeyWithoutTornOrLostValues)
     EXPECT_EQ(store.queryDWORDValue("count", 0), 300u);
     for (unsigned n = 0; n < 300; ++n)
         EXPECT_EQ(store.queryDWORDValue("mine" + std::to_string(n), 0xFFFF), n);
-
-    ChildProcess killed("registry_peer", {key("Key"), "0", file("killed")});
-    ASSERT_TRUE(ovo_test::waitForFile(file("killed")));
-    killed.kill();
-    EXPECT_TRUE(isAPeersText(store.queryStringValue("text", "none")));
-    store.setStringValue("after", "taken");
-    EXPECT_EQ(store.queryStringValue("after", ""), "taken");
-}
-
-// The text changes size between a query's reads: 10,000 reads, and on until 1,000 of them found a text, each give a
-// text that was written or the default, never bytes that nobody wrote.
-TEST_F(RegistryStoreTest, QueriesRacingChangesGiveAWrittenValueOrTheDefault)
-{
-    ChildProcess writer("registry_peer", {key("Key"), "0", file("written")});
-    ASSERT_TRUE(ovo_test::waitForFile(file("written")));
-    int texts = 0;
-    for (int n = 0; n < 10000 || (texts < 1000 && n < 2000000); ++n) {
-        const std::string text = store.queryStringValue("text", "none");
-        ASSERT_TRUE(isAPeersText(text)) << "read " << n << " gave " << text.size() << " bytes: " << text.substr(0, 9);
-        texts += text != "none";
-    }
-    EXPECT_GE(texts, 1000) << "the peer hardly ran";
 }
 
 } // namespace

@@ -5,7 +5,7 @@
 #ifndef OVO_TESTS_PLATFORM_SWEEP_H
 #define OVO_TESTS_PLATFORM_SWEEP_H
 
-#include "support/forked_process.h"
+#include "support/process.h"
 
 #include <ovo/ipc/named_objects.h>
 #include <ovo/ipc/shared_memory.h>
@@ -57,11 +57,11 @@ inline std::string sweepName(const std::string& text)
 
 // A process that repeats the round: `rounds` times, or with 0 until a kill (telling "r"
 // once it runs). It ends with 1 when a round broke, and tells how many and the first.
-inline std::unique_ptr<ForkedProcess> repeated(const SweepRound& round, const Scene& scene, unsigned rounds)
+inline std::unique_ptr<ChildProcess> repeated(const SweepRound& round, const Scene& scene, unsigned rounds)
 {
-    return std::make_unique<ForkedProcess>([&] {
+    return std::make_unique<ChildProcess>([&] {
         if (rounds == 0)
-            ForkedProcess::tell("r");
+            ChildProcess::tell("r");
         unsigned broken = 0;
         std::string first;
         for (unsigned i = 0; (rounds == 0 && broken == 0) || i < rounds; ++i) {
@@ -75,7 +75,7 @@ inline std::unique_ptr<ForkedProcess> repeated(const SweepRound& round, const Sc
                 first = broke;
         }
         if (broken > 0)
-            ForkedProcess::tell(std::to_string(broken) + " rounds broke, the first: " + first);
+            ChildProcess::tell(std::to_string(broken) + " rounds broke, the first: " + first);
         return broken > 0 ? 1 : 0;
     });
 }

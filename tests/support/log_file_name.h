@@ -1,4 +1,4 @@
-// The name of today's log file, as the file channel works it out.
+// Local time, and the name of today's log file as the file channel works it out.
 #ifndef OVO_TESTS_SUPPORT_LOG_FILE_NAME_H
 #define OVO_TESTS_SUPPORT_LOG_FILE_NAME_H
 
@@ -7,15 +7,21 @@
 
 namespace ovo_test {
 
-inline std::string todaysLogFile(const std::string& suffix)
+// The local time of an instant, as the library's stamps and file names read it.
+inline std::tm localTime(std::time_t instant)
 {
-    const std::time_t now = std::time(nullptr);
     std::tm local{};
 #if defined(_WIN32)
-    localtime_s(&local, &now);
+    localtime_s(&local, &instant);
 #else
-    localtime_r(&now, &local);
+    localtime_r(&instant, &local);
 #endif
+    return local;
+}
+
+inline std::string todaysLogFile(const std::string& suffix)
+{
+    const std::tm local = localTime(std::time(nullptr));
     char date[16];
     std::strftime(date, sizeof date, "%Y-%m-%d", &local);
     return std::string(date) + (suffix.empty() ? "" : "-" + suffix) + ".log";
