@@ -2,7 +2,7 @@
 // interrupted, and leave no half-written state behind; a "Global\" name reaches one object from every session.
 #include "fakes/faulty_system_calls.h"
 #include "platform/win32.h"
-#include "support/forked_process.h"
+#include "support/process.h"
 #include "support/temp_dir.h"
 
 #include <gtest/gtest.h>
@@ -103,7 +103,7 @@ TEST(PosixLayer, GlobalNamesAreOneNamespaceForEverySession)
         const std::string name = scope + "ovotest-scope-" + std::to_string(getpid());
         HANDLE held = CreateMutexA(nullptr, TRUE, name.c_str());
         ASSERT_NE(held, nullptr) << scope << ": " << GetLastError();
-        ovo_test::ForkedProcess sessionless([&] {
+        ovo_test::ChildProcess sessionless([&] {
             unsetenv("XDG_RUNTIME_DIR");
             HANDLE mutex = CreateMutexA(nullptr, FALSE, name.c_str());
             return mutex != nullptr && WaitForSingleObject(mutex, 0) == WAIT_OBJECT_0 ? 0 : 1;
