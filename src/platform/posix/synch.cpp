@@ -14,6 +14,7 @@
 #include <pthread.h>
 #include <string>
 #include <sys/syscall.h>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -87,11 +88,11 @@ private:
 };
 
 // The thread sanitizer's timedlock does not hand an abandoned mutex over to its new owner
-// (it reports the owner's unlock as wrong): its builds wait without limit unsliced.
+// (it reports the owner's unlock as wrong): its builds wait by trying each millisecond.
 #if defined(__SANITIZE_THREAD__)
-const bool slicedWaits = false;
+const bool pollingWaits = true;
 #else
-const bool slicedWaits = true;
+const bool pollingWaits = false;
 #endif
 
 class MutexObject final : public WaitableObject {
@@ -138,10 +139,8 @@ public:
     DWORD wait(DWORD milliseconds) override
     {
         int result = milliseconds == 0 ? pthread_mutex_trylock(mutex_) : spinWhileHeld();
-        if (result == EBUSY && milliseconds == INFINITE && !slicedWaits)
-            result = pthread_mutex_lock(mutex_);
-        else if (result == EBUSY && milliseconds != 0)
-            result = lockWithin(milliseconds);
+        if (result == EBUSY && milliseconds != 0)
+            result = pollingWaits ? lockByPolling(milliseconds) : lockWithin(milliseconds);
         switch (result) {
         case 0:
             if (state_->abandoned == 0)
@@ -189,6 +188,17 @@ public:
             const int result = lockBefore(now);
             if (result != ETIMEDOUT || (milliseconds != INFINITE && (left -= now) == 0))
                 return result;
+        }
+    }
+
+    int lockByPolling(DWORD milliseconds)
+    {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
+        for (;;) {
+            const int result = pthread_mutex_trylock(mutex_);
+            if (result != EBUSY || (milliseconds != INFINITE && std::chrono::steady_clock::now() >= end))
+                return result;
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
     }
 
