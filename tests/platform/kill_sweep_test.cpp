@@ -2,11 +2,9 @@
 // victim repeats the operation, a SIGKILL ends it at a random moment, and the row's check
 // looks at what it left; 150 kills a row. After each check nothing of the row's names is
 // stale, and after the row nothing of them is left at all.
-#include "ipc/channel_ledger.h"
 #include "platform/sweep.h"
 #include "support/temp_dir.h"
 
-#include <ovo/ipc/message_channel.h>
 #include <ovo/ipc/system_mutex.h>
 
 #include <gtest/gtest.h>
@@ -63,40 +61,6 @@ std::string freshBlockMade(const Scene& s)
     return made ? "" : "a block that nobody held was not made anew and empty";
 }
 
-// Whether a body that the channel gave is whole (a self-checking one of channel_ledger.h).
-bool whole(const std::vector<unsigned char>& body)
-{
-    ovo_test::Identity message;
-    return ovo_test::bodyIsIntact(body.data(), static_cast<std::uint32_t>(body.size()), message);
-}
-
-// Sends a body of the next size and takes the oldest, which must be whole.
-std::string channelTraffic(const Scene& s)
-{
-    static ovo::ipc::MessageChannel channel(s.name, 16384);
-    static std::uint32_t sent = 0;
-    const std::uint32_t size = 12 + sent * 37 % 700;
-    std::vector<unsigned char> body(size);
-    ovo_test::writeBody(body.data(), size, {0, sent++});
-    channel.send(1, body.data(), size);
-    return channel.recv(0, body) && !whole(body) ? "a torn body was received" : "";
-}
-
-// What the killed traffic left: every body queued is whole, and the channel goes on.
-std::string channelWhole(const Scene&, void* held)
-{
-    auto& channel = *static_cast<ovo::ipc::MessageChannel*>(held);
-    std::vector<unsigned char> body;
-    while (channel.recv(0, body))
-        if (!whole(body))
-            return "a torn body was left in the channel";
-    body.resize(321);
-    ovo_test::writeBody(body.data(), 321, {1, 0});
-    if (!channel.send(2, body.data(), 321) || !channel.recv(2, body) || !whole(body))
-        return "the channel took or gave no body after the kill";
-    return "";
-}
-
 // What a killed set left: the old text or the new one, and a set after it holds.
 std::string valueWhole(const Scene& s, void*)
 {
@@ -109,9 +73,6 @@ std::string valueWhole(const Scene& s, void*)
 }
 
 const KilledOperation operations[] = {
-    {"send and removal on a channel", channelTraffic, channelWhole,
-     [](const Scene& s) -> std::shared_ptr<void> { return std::make_shared<ovo::ipc::MessageChannel>(s.name, 16384); },
-     nullptr, 1ms},
     {"set of a registry value", ovo_test::setRowTexts, valueWhole,
      [](const Scene& s) -> std::shared_ptr<void> {
          ovo_test::rowKey(s).setStringValue("text", ovo_test::rowText(0));
