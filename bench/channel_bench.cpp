@@ -169,38 +169,16 @@ void floorAtDepth(benchmark::State& state)
     });
 }
 
-BENCHMARK(channelAtDepth)
-    ->ArgName("depth")
-    ->Arg(1)
-    ->Arg(16)
-    ->Arg(64)
-    ->Arg(256)
-    ->UseManualTime()
-    ->Unit(benchmark::kMicrosecond);
-BENCHMARK(boostAtDepth)
-    ->ArgName("depth")
-    ->Arg(1)
-    ->Arg(16)
-    ->Arg(64)
-    ->Arg(256)
-    ->UseManualTime()
-    ->Unit(benchmark::kMicrosecond);
-BENCHMARK(posixAtDepth)
-    ->ArgName("depth")
-    ->Arg(1)
-    ->Arg(16)
-    ->Arg(64)
-    ->Arg(256)
-    ->UseManualTime()
-    ->Unit(benchmark::kMicrosecond);
-BENCHMARK(floorAtDepth)
-    ->ArgName("depth")
-    ->Arg(1)
-    ->Arg(16)
-    ->Arg(64)
-    ->Arg(256)
-    ->UseManualTime()
-    ->Unit(benchmark::kMicrosecond);
+// Every structure at the same depths, timed by the thread's CPU clock.
+void atDepths(benchmark::internal::Benchmark* runs)
+{
+    runs->ArgName("depth")->Arg(1)->Arg(16)->Arg(64)->Arg(256)->UseManualTime()->Unit(benchmark::kMicrosecond);
+}
+
+BENCHMARK(channelAtDepth)->Apply(atDepths);
+BENCHMARK(boostAtDepth)->Apply(atDepths);
+BENCHMARK(posixAtDepth)->Apply(atDepths);
+BENCHMARK(floorAtDepth)->Apply(atDepths);
 
 } // namespace
 
