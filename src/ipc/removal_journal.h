@@ -7,13 +7,13 @@
 // holder of the lock, told by the mutex that its holder died, goes on with it from there.
 //
 // The removal closes a hole: at first the message taken, which the bodies behind it fill,
-// a window of them at a time, each window's entries following it down the table (staged in
-// the record first, then copied, so that either step can be done again). A window that was
-// cut short is moved again when it fits into the hole (its bytes still to be copied were
-// not overwritten); a longer one moved in one overlapping move may be torn anywhere, so
-// the repair drops its messages and the hole grows by them. No torn body is ever handed
-// out; a death costs the message taken (the dead process had it in hand) and at most one
-// window of the messages behind it.
+// a window of them at a time, each window's entries following it down the table. A window
+// that fits into the hole is moved again when it was cut short (its bytes still to be copied
+// were not overwritten), and its entries go on from the last one copied. A longer one, moved
+// in one overlapping move, may be torn anywhere, bodies or entries: the repair drops its
+// messages and the hole grows by them. No torn body is ever handed out; a death costs the
+// message taken (the dead process had it in hand) and at most one window of the messages
+// behind it.
 #ifndef OVO_SRC_IPC_REMOVAL_JOURNAL_H
 #define OVO_SRC_IPC_REMOVAL_JOURNAL_H
 
@@ -27,13 +27,11 @@ namespace ipc {
 
 // The record, shared by every process on the channel. A fresh object is zeros: no removal.
 struct RemovalRecord {
-    std::uint32_t state;     // bit 0: a removal in progress; above it the messages dropped on the channel
-    std::uint32_t count;     // the count before
-    std::uint32_t index;     // the entry taken
-    std::uint32_t windowEnd; // the entry behind the window being moved; none chosen while not beyond `progress`
-    std::atomic<std::uint64_t> progress; // the hole, the window's first entry and the phase, in one store
+    std::uint32_t state;                 // bit 0: a removal in progress; above it the messages dropped on the channel
+    std::uint32_t count;                 // the count before
+    std::uint32_t index;                 // the entry taken
+    std::atomic<std::uint64_t> progress; // the hole, the window and the step, in one word
     Entry last;                          // entry `count` - 1 as the removal found it; the removal leaves it
-    Entry staged[maxMessages];           // the window's entries as they are to stand in the table
 };
 
 // What a repair found and did.
@@ -60,13 +58,21 @@ public:
     Repair repair(const ChannelBlock& block);
 
 private:
-    struct Progress;
+    // The steps of a window. First the move of its bodies. A window that fits the hole can
+    // be moved again, and its entries are copied down the table one by one, the record's
+    // position passing each before the next is written (a copy overwrites only entries
+    // already copied): a death costs none of them. A longer window's move may be torn
+    // anywhere, and a death costs its messages whatever step it cut: its entries are copied
+    // without a mark each.
+    enum Phase : std::uint32_t { movingBodies = 0, copyingEntries = 1, copyingWindow = 2 };
+    class Progress;
 
     Progress progress() const;
-    void mark(const Progress& progress);
-    void run(const ChannelBlock& block);
-    void moveWindow(const ChannelBlock& block, Progress at);
-    std::uint32_t chooseWindow(const ChannelBlock& block, const Progress& at);
+    void mark(Progress progress);
+    void run(const ChannelBlock& block, Progress at);
+    Progress moveWindow(const ChannelBlock& block, Progress at);
+    std::uint32_t chooseWindow(const ChannelBlock& block, Progress at) const;
+    bool cutShort(const ChannelBlock& block, Progress at) const;
     void close(std::uint32_t dropped);
 
     RemovalRecord& record_;
