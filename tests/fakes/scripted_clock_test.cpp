@@ -4,12 +4,10 @@
 #include <ovo/logger/formatters.h>
 
 #include "fakes/scripted_clock.h"
+#include "support/log_file_name.h"
 #include "support/temp_dir.h"
 
 #include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <ctime>
 
 using namespace ovo::logger;
 
@@ -20,16 +18,7 @@ const std::int64_t midnight = 1795132800LL * second;       // 2026-11-20 00:00:0
 
 class InUtc : public testing::Test {
 protected:
-    void SetUp() override
-    {
-#if defined(_WIN32)
-        _putenv_s("TZ", "UTC0");
-        _tzset();
-#else
-        setenv("TZ", "UTC0", 1);
-        tzset();
-#endif
-    }
+    void SetUp() override { ovo_test::setTimeZone("UTC0"); }
     void TearDown() override { ovo_fake::scriptClock({}); }
 };
 

@@ -134,16 +134,6 @@ int run(const Args& a)
         std::vector<unsigned char> body;
         return channel.recv(number(a.at(3)), body) ? 0 : 1;
     }
-    if (command == "stress-send") { // NAME SENDER COUNT
-        ovo::ipc::MessageChannel channel(a.at(1), ovo_test::stressChannelSize);
-        std::vector<unsigned char> body(512);
-        for (unsigned sender = number(a.at(2)), sequence = 0; sequence < number(a.at(3)); ++sequence) {
-            ovo_test::writeBody(body.data(), ovo_test::stressSize(sender, sequence), {sender, sequence});
-            while (!channel.send(sender, body.data(), ovo_test::stressSize(sender, sequence)))
-                std::this_thread::yield();
-        }
-        return 0;
-    }
     if (command == "ledger-sender" || command == "ledger-receiver") // CHANNEL LEDGER SLOT
         return ledgerPeer(command == "ledger-sender", a.at(1), a.at(2), number(a.at(3)));
     return 2;

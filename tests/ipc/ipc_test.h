@@ -1,5 +1,5 @@
 // What the inter-process tests and their peer share: names of their own, files that pass signs
-// between processes, the check that nothing of their names is left, and the stress messages.
+// between processes, and the check that nothing of their names is left.
 #ifndef OVO_TESTS_IPC_IPC_TEST_H
 #define OVO_TESTS_IPC_IPC_TEST_H
 
@@ -50,15 +50,6 @@ private:
 
     TempDir dir_;
 };
-
-// The n-th stress message of a sender: 12 to 512 bytes, self-checking (channel_ledger.h)
-// with the sender as its slot, so that a torn, misplaced or repeated body shows.
-const unsigned int stressChannelSize = 4113 + 256 * 512; // a full table of the longest bodies
-
-inline std::uint32_t stressSize(std::uint32_t sender, std::uint32_t sequence)
-{
-    return 12 + (sequence * 7919u + sender * 31u) % 501;
-}
 
 } // namespace ovo_test
 

@@ -1,7 +1,5 @@
 #include "ipc/ipc_test.h"
 
-#include <map>
-
 namespace {
 
 using ovo::ipc::MessageChannel;
@@ -152,34 +150,6 @@ TEST_F(MessageChannelTest, AProcessWithASmallerViewTakesAllOrNothing)
     EXPECT_EQ(received(channel, 2), std::string(800, 'b'));
     ASSERT_TRUE(send(channel, 1, std::string(200, 'c')));
     EXPECT_EQ(ChildProcess("ipc_peer", takeOne).wait(), 0); // within its view
-}
-
-// Two sender processes, 10,000 messages; this process takes them, the oldest of any or
-// of one sender in turn (so also from the middle of the queue).
-TEST_F(MessageChannelTest, ProcessesExchangeEveryMessageOnceIntactAndInOrder)
-{
-    const unsigned perSender = 5000;
-    MessageChannel channel(name("stress"), ovo_test::stressChannelSize);
-    ChildProcess first("ipc_peer", {"stress-send", name("stress"), "1", std::to_string(perSender)});
-    ChildProcess second("ipc_peer", {"stress-send", name("stress"), "2", std::to_string(perSender)});
-    std::map<std::uint32_t, std::uint32_t> next{{1, 0}, {2, 0}}; // the sequence due of each sender
-    Bytes body;
-    for (unsigned turn = 0; next[1] + next[2] < 2 * perSender; ++turn) {
-        const unsigned id = turn % 3; // any, sender 1 or sender 2
-        if (!channel.recv(id, body)) {
-            std::this_thread::yield();
-            continue;
-        }
-        ovo_test::Identity message;
-        const auto size = static_cast<std::uint32_t>(body.size());
-        ASSERT_TRUE(ovo_test::bodyIsIntact(body.data(), size, message)) << "torn: " << turn;
-        const std::uint32_t sender = message.first;
-        ASSERT_TRUE(next.count(sender) == 1 && (id == 0 || id == sender)) << turn;
-        ASSERT_EQ(message.second, next[sender]++) << "out of order: " << sender;
-        ASSERT_EQ(size, ovo_test::stressSize(sender, message.second));
-    }
-    EXPECT_EQ(first.wait(), 0);
-    EXPECT_EQ(second.wait(), 0);
 }
 
 } // namespace

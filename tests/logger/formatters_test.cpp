@@ -33,18 +33,6 @@ bool stampedBetween(std::chrono::system_clock::time_point before, const std::str
     return from <= to ? from <= stamp && stamp <= to : stamp >= from || stamp <= to;
 }
 
-// Sets TZ, or removes it for a null zone, and tells the C library.
-void setTimeZone(const char* zone)
-{
-#if defined(_WIN32)
-    _putenv_s("TZ", zone ? zone : "");
-    _tzset();
-#else
-    zone ? setenv("TZ", zone, 1) : unsetenv("TZ");
-    tzset();
-#endif
-}
-
 } // namespace
 
 TEST(ConsoleFormatter, BareMessageAndLineFeed)
@@ -95,7 +83,7 @@ TEST(SimpleFormatter, FollowsATimeZoneChangeWithinASecond)
     SimpleFormatter formatter;
 
     for (const char* zone : {"UTC0", "XYZ-5", "ABC+3"}) {
-        setTimeZone(zone);
+        ovo_test::setTimeZone(zone);
         const auto stampedNow = [&] {
             const auto before = std::chrono::system_clock::now();
             return stampedBetween(before, formatter.format("tz", "m"));
@@ -103,5 +91,5 @@ TEST(SimpleFormatter, FollowsATimeZoneChangeWithinASecond)
         EXPECT_TRUE(ovo_test::waitUntil(stampedNow, std::chrono::milliseconds(1200), std::chrono::milliseconds(20)))
             << zone;
     }
-    setTimeZone(saved ? savedZone.c_str() : nullptr);
+    ovo_test::setTimeZone(saved ? savedZone.c_str() : nullptr);
 }

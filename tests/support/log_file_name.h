@@ -1,7 +1,8 @@
-// Local time, and the name of today's log file as the file channel works it out.
+// Local time and its zone, and the name of today's log file as the file channel works it out.
 #ifndef OVO_TESTS_SUPPORT_LOG_FILE_NAME_H
 #define OVO_TESTS_SUPPORT_LOG_FILE_NAME_H
 
+#include <cstdlib>
 #include <ctime>
 #include <string>
 
@@ -17,6 +18,18 @@ inline std::tm localTime(std::time_t instant)
     localtime_r(&instant, &local);
 #endif
     return local;
+}
+
+// Sets TZ, or removes it for a null zone, and tells the C library.
+inline void setTimeZone(const char* zone)
+{
+#if defined(_WIN32)
+    _putenv_s("TZ", zone ? zone : "");
+    _tzset();
+#else
+    zone ? setenv("TZ", zone, 1) : unsetenv("TZ");
+    tzset();
+#endif
 }
 
 inline std::string todaysLogFile(const std::string& suffix)
