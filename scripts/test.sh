@@ -39,12 +39,6 @@ jobs=${OVO_JOBS:-$(nproc)}
 fuzzSeconds=${OVO_FUZZ_SECONDS:-10}
 suites=("$@")
 [ ${#suites[@]} -gt 0 ] || suites=(linux docs asan tsan win64 parity win32 python abi package fuzz bench)
-# The whole command runs in two lanes at once: the suites that use the card service, and
-# those that need neither it nor the others' builds (their output comes after them). The
-# parity run needs builds of both lanes, and the benchmarks a quiet machine: they come last.
-cardLane=(linux python abi asan tsan package)
-otherLane=(docs win64 win32 fuzz)
-lastSuites=(parity bench)
 
 packages=(cmake ninja-build g++ pkg-config util-linux googletest libgtest-dev libbenchmark-dev libspdlog-dev libboost-dev
           clang libclang-rt-14-dev g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix wine64
@@ -282,45 +276,19 @@ trap ovoStopPcscd EXIT
 ovoInstallMissing "${packages[@]}" || { echo "could not install the packages the suites need"; exit 1; }
 mkdir -p "$builds"
 startPcscd
-for suite in "${suites[@]}"; do
-    declare -F "suite_$suite" >/dev/null || { echo "unknown suite '$suite'"; exit 2; }
-done
-
-# Runs the suites in turn, each followed by its time.
-runSuites() {
-    local suite began
-    for suite in "$@"; do
-        log "$suite"
-        began=$SECONDS
-        "suite_$suite" || broken+=("$suite")
-        echo "--- $suite: $((SECONDS - began)) s"
-    done
-}
-
-# Runs the other lane in the background, its output and counts kept in files till the
-# card lane is done.
-runLanes() {
-    local lane counted=$builds/other-lane.counts
-    rm -f "$counted"
-    (
-        runSuites "${otherLane[@]}"
-        echo "$passed $failed $skipped ${broken[*]}" >"$counted"
-    ) >"$builds/other-lane.log" 2>&1 &
-    lane=$!
-    runSuites "${cardLane[@]}"
-    wait "$lane"
-    cat "$builds/other-lane.log"
-    local lanePassed=0 laneFailed=1 laneSkipped=0 laneBroken=other-lane
-    [ -f "$counted" ] && read -r lanePassed laneFailed laneSkipped laneBroken <"$counted"
-    passed=$((passed + lanePassed))
-    failed=$((failed + laneFailed))
-    skipped=$((skipped + laneSkipped))
-    broken+=($laneBroken) # the names, one word each
-    runSuites "${lastSuites[@]}"
-}
-
 start=$SECONDS
-if [ $# -eq 0 ]; then runLanes; else runSuites "${suites[@]}"; fi
+for suite in "${suites[@]}"; do
+    if ! declare -F "suite_$suite" >/dev/null; then
+        echo "unknown suite '$suite'"
+        exit 2
+    fi
+    log "$suite"
+    began=$SECONDS
+    if ! "suite_$suite"; then
+        broken+=("$suite")
+    fi
+    echo "--- $suite: $((SECONDS - began)) s"
+done
 
 log "suites run: ${suites[*]} in $((SECONDS - start)) s"
 if [ ${#broken[@]} -gt 0 ]; then
