@@ -104,7 +104,9 @@ void RemovalJournal::remove(const ChannelBlock& block, std::uint32_t k)
     record_.count = n;
     record_.index = k;
     record_.last = block.table()[n - 1];
-    const Progress start(block.table()[k].size, 1, k + 1, 0, movingBodies);
+    Progress start(block.table()[k].size, 1, k + 1, 0, movingBodies);
+    if (k + 1 < n) // the first window comes with the start, in the same store
+        start = Progress(start.holeBytes(), 1, k + 1, chooseWindow(block, start), movingBodies);
     mark(start);
     markWord(record_.state, record_.state | 1);
     run(block, start);
