@@ -79,24 +79,4 @@ TEST_F(SharedMemoryTest, SlashesAndDotsInANameAreOrdinaryCharacters)
     }
 }
 
-// What Windows refuses fails with its code; mutexes, events and blocks share one namespace.
-TEST_F(SharedMemoryTest, NamesThatWindowsRefusesFailWithItsCode)
-{
-    SystemMutex taken(name("kind"));
-    // A further backslash, a name too long, none, and a mutex's name.
-    const std::pair<std::string, int> cases[] = {
-        {name("a\\b"), 3}, {name(std::string(10000, 'x')), 206}, {"", 123}, {name("kind"), 6}};
-    for (const auto& refused : cases) {
-        const std::string local = "Local\\" + refused.first, code = std::to_string(refused.second);
-        const std::string codes = "openError = " + code + ", createError = " + code;
-        EXPECT_EQ(failureOf([&] { SharedMemory memory(refused.first, 64); }),
-                  "::OpenFileMapping( '" + local + "' ) failed. " + codes);
-        if (refused.second == 6)
-            continue;
-        EXPECT_EQ(failureOf([&] { SystemMutex m(refused.first); }), "::OpenMutex( '" + local + "' ) failed. " + codes);
-        EXPECT_EQ(failureOf([&] { ovo::ipc::SystemEvent event(refused.first); }),
-                  "::CreateEvent( '" + refused.first + "' ) failed: " + code);
-    }
-}
-
 } // namespace

@@ -1,6 +1,5 @@
 // The registry class on the platform's registry: the library's file store on Linux, Wine's registry on Windows.
 #include "platform/win32.h"
-#include "support/process.h"
 #include "support/temp_dir.h"
 
 #include <ovo/win32/registry.h>
@@ -16,16 +15,9 @@
 namespace {
 
 using ovo::win32::registry;
-using ovo_test::ChildProcess;
 
 const unsigned long allAccess = 0xF003F;
 const unsigned long readAccess = 0x20019;
-
-// What the peer writes, or the default "none" when it removed the text.
-bool isAPeersText(const std::string& text)
-{
-    return text == "short" || text == std::string(4000, 'B') || text == "none";
-}
 
 class RegistryStoreTest : public ::testing::Test {
 protected:
@@ -47,9 +39,8 @@ protected:
     }
 
     std::string key(const std::string& name) const { return base + "\\" + name; }
-    std::string file(const std::string& name) const { return (files.path() / name).string(); }
 
-    ovo_test::TempDir config, files;
+    ovo_test::TempDir config;
 #if defined(_WIN32)
     std::string base = "Software\\ovotest-" + std::to_string(GetCurrentProcessId());
 #else
@@ -151,22 +142,5 @@ TEST_F(RegistryStoreTest, ALinkThatAnotherUserPlantedIsNeverFollowed)
     EXPECT_EQ(source.queryStringValue("value", ""), "through the link");
 }
 #endif
-
-// Another process writes a text 300 times while this one reads it and writes its own values, beside 5 MB: every read
-// is a text that was written, no write is lost. (The sweeps kill a writer and race queries with sets on Linux.)
-TEST_F(RegistryStoreTest, TwoProcessesShareAKeyWithoutTornOrLostValues)
-{
-    store.setStringValue("ballast", std::string(5 << 20, 'b'));
-    ChildProcess writer("registry_peer", {key("Key"), file("written")});
-    ASSERT_TRUE(ovo_test::waitForFile(file("written")));
-    for (unsigned n = 0; n < 300; ++n) {
-        EXPECT_TRUE(isAPeersText(store.queryStringValue("text", "none"))) << n;
-        store.setDWORDValue("mine" + std::to_string(n), n);
-    }
-    EXPECT_EQ(writer.wait(), 0);
-    EXPECT_EQ(store.queryDWORDValue("count", 0), 300u);
-    for (unsigned n = 0; n < 300; ++n)
-        EXPECT_EQ(store.queryDWORDValue("mine" + std::to_string(n), 0xFFFF), n);
-}
 
 } // namespace
