@@ -73,9 +73,14 @@ public:
     std::uint64_t word() const { return word_; }
 
     // The same window at another position and phase.
-    Progress at(std::uint32_t position, Phase phase) const
+    Progress moved(std::uint32_t position, Phase phase) const
     {
         return Progress((word_ & windowBits) | positionBits(position) | std::uint64_t(phase) << 59);
+    }
+    // The same place with the window's end chosen.
+    Progress withWindow(std::uint32_t end) const
+    {
+        return Progress((word_ & ~(std::uint64_t(0x1FF) << 50)) | std::uint64_t(end) << 50);
     }
     static std::uint64_t positionBits(std::uint32_t position) { return std::uint64_t(position) << 41; }
 
@@ -106,7 +111,7 @@ void RemovalJournal::remove(const ChannelBlock& block, std::uint32_t k)
     record_.last = block.table()[n - 1];
     Progress start(block.table()[k].size, 1, k + 1, 0, movingBodies);
     if (k + 1 < n) // the first window comes with the start, in the same store
-        start = Progress(start.holeBytes(), 1, k + 1, chooseWindow(block, start), movingBodies);
+        start = start.withWindow(chooseWindow(block, start));
     mark(start);
     markWord(record_.state, record_.state | 1);
     run(block, start);
@@ -131,7 +136,7 @@ __attribute__((always_inline)) inline RemovalJournal::Progress RemovalJournal::m
     const std::uint32_t position = at.position(), holeBytes = at.holeBytes();
     if (at.phase() == movingBodies) {
         if (at.windowEnd() <= position) {
-            at = Progress(holeBytes, at.holeEntries(), position, chooseWindow(block, at), movingBodies);
+            at = at.withWindow(chooseWindow(block, at));
             mark(at);
         }
         const std::uint64_t from = table[position].offset;
@@ -141,7 +146,7 @@ __attribute__((always_inline)) inline RemovalJournal::Progress RemovalJournal::m
             std::memcpy(to, block.at(from), length);
         else
             std::memmove(to, block.at(from), length);
-        at = at.at(position, movesAgain(length, holeBytes) ? copyingEntries : copyingWindow);
+        at = at.moved(position, movesAgain(length, holeBytes) ? copyingEntries : copyingWindow);
         mark(at);
     }
     if (at.phase() == copyingEntries) {
@@ -155,7 +160,7 @@ __attribute__((always_inline)) inline RemovalJournal::Progress RemovalJournal::m
     } else {
         copyEntries(table, position, at.windowEnd(), at.holeEntries(), holeBytes, [](std::uint32_t) {});
     }
-    at = at.at(at.windowEnd(), movingBodies);
+    at = at.moved(at.windowEnd(), movingBodies);
     mark(at);
     return at;
 }
