@@ -103,17 +103,38 @@ inline void RemovalJournal::mark(Progress progress)
     inOrder();
 }
 
+// Marks the removal begun, standing at `start`.
+inline void RemovalJournal::begin(Progress start)
+{
+    mark(start);
+    markWord(record_.state, record_.state | 1);
+}
+
 void RemovalJournal::remove(const ChannelBlock& block, std::uint32_t k)
 {
     const std::uint32_t n = block.count();
+    Entry* const table = block.table();
     record_.count = n;
     record_.index = k;
-    record_.last = block.table()[n - 1];
-    Progress start(block.table()[k].size, 1, k + 1, 0, movingBodies);
+    record_.last = table[n - 1];
+    const std::uint32_t holeBytes = table[k].size;
+    if (k + 1 < n) {
+        // Most removals are one window that cannot be moved again: a death anywhere in it
+        // costs its messages, so it is marked once, as one step.
+        const std::uint64_t from = table[k + 1].offset, length = record_.last.end() - from;
+        if (length <= windowSize && !movesAgain(length, holeBytes)) {
+            begin(Progress(holeBytes, 1, k + 1, n, copyingWindow));
+            std::memmove(block.at(from - holeBytes), block.at(from), length);
+            copyEntries(table, k + 1, n, 1, holeBytes, [](std::uint32_t) {});
+            markWord(block.count(), n - 1);
+            close(0);
+            return;
+        }
+    }
+    Progress start(holeBytes, 1, k + 1, 0, movingBodies);
     if (k + 1 < n) // the first window comes with the start, in the same store
         start = start.withWindow(chooseWindow(block, start));
-    mark(start);
-    markWord(record_.state, record_.state | 1);
+    begin(start);
     run(block, start);
     close(0);
 }

@@ -63,12 +63,14 @@ private:
     // position passing each before the next is written (a copy overwrites only entries
     // already copied): a death costs none of them. A longer window's move may be torn
     // anywhere, and a death costs its messages whatever step it cut: its entries are copied
-    // without a mark each.
+    // without a mark each. A removal that is one such window stands in that step from its
+    // start: one mark for the whole of it.
     enum Phase : std::uint32_t { movingBodies = 0, copyingEntries = 1, copyingWindow = 2 };
     class Progress;
 
     Progress progress() const;
     void mark(Progress progress);
+    void begin(Progress start);
     void run(const ChannelBlock& block, Progress at);
     Progress moveWindow(const ChannelBlock& block, Progress at);
     std::uint32_t chooseWindow(const ChannelBlock& block, Progress at) const;
