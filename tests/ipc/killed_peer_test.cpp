@@ -148,7 +148,7 @@ TEST_P(KilledPeerTest, EveryMessageCommittedIsReceivedQueuedOrCountedAsDroppedAn
     EXPECT_LE(ledger.loggedDrops.load(), dropped) << "a repair logged twice";
 }
 
-INSTANTIATE_TEST_SUITE_P(, KilledPeerTest, ::testing::ValuesIn(rows),
+INSTANTIATE_TEST_SUITE_P(Rows, KilledPeerTest, ::testing::ValuesIn(rows),
                          [](const auto& row) { return row.param.name; });
 
 } // namespace
