@@ -19,10 +19,11 @@
 #           processes on a channel)
 #   abi     the exported interface of the linux build's library against the baseline in
 #           abi/ (scripts/abi.sh): no incompatible change without a new SONAME
-#   package the Debian packages (lintian, unpacked into a scratch root, the API reference
-#           in the -dev package, a client and every example built against it and run)
+#   package the Debian packages of the linux build (lintian, unpacked into a scratch root, the
+#           API reference in the -dev package, a client and every example built against it
+#           and run)
 #   fuzz    every libFuzzer target for a short run (OVO_FUZZ_SECONDS each, default 10)
-#   bench   every benchmark, briefly (figures and ratios only, no verdict)
+#   bench   every benchmark, briefly: one run of each (figures and ratios only, no verdict)
 # and one suite that runs only when named:
 #   bench-full  every benchmark in full (9 repetitions of 0.2 s, randomly interleaved), then
 #           one table of every ratio of medians against its target, met or missed, also
@@ -103,8 +104,12 @@ runTests() { # suite (the Python package's tests have a suite of their own)
     return "$status"
 }
 
+# The linux build is also the one packaged: installed under /usr, with the API reference.
+linuxOptions=(-DCMAKE_BUILD_TYPE=RelWithDebInfo -DOVO_BUILD_BENCHMARKS=ON -DCMAKE_INSTALL_PREFIX=/usr
+              -DOVO_INSTALL_REFERENCE=ON)
+
 suite_linux() {
-    configureAndBuild linux -DCMAKE_BUILD_TYPE=RelWithDebInfo -DOVO_BUILD_BENCHMARKS=ON && runTests linux
+    configureAndBuild linux "${linuxOptions[@]}" && runTests linux
 }
 
 suite_docs() {
@@ -159,8 +164,8 @@ suite_win32() {
 # Targets of the linux build alone, for the suites that only need them.
 linuxTargets() { # target...
     [ -f "$builds/linux/build.ninja" ] ||
-        cmake -S "$root" -B "$builds/linux" -G Ninja "${launchers[@]}" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DOVO_BUILD_BENCHMARKS=ON \
-            >"$builds/linux.configure.log" || return 1
+        cmake -S "$root" -B "$builds/linux" -G Ninja "${launchers[@]}" "${linuxOptions[@]}" >"$builds/linux.configure.log" ||
+        return 1
     cmake --build "$builds/linux" -j "$jobs" --target "$@"
 }
 
@@ -197,13 +202,12 @@ suite_abi() {
 }
 
 suite_package() {
-    local dir=$builds/package
-    configureAndBuild package -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_INSTALL_PREFIX=/usr -DOVO_INSTALL_REFERENCE=ON \
-        -DOVO_BUILD_TESTS=OFF || return 1
+    local dir=$builds/linux
+    linuxTargets all || return 1
     rm -rf "$dir/packages"
     (cd "$dir" && cpack -G DEB >cpack.log 2>&1) || { cat "$dir/cpack.log"; return 1; }
     ls "$dir"/packages/*.deb
-    check "$root/tests/install/check_debian_packages.sh" "$dir/packages" "$dir/check"
+    check "$root/tests/install/check_debian_packages.sh" "$dir/packages" "$builds/package"
 }
 
 suite_fuzz() {
@@ -237,7 +241,7 @@ suite_bench() {
     [ -d "$builds/linux/bin" ] || suite_linux || return 1
     for bench in "$builds"/linux/bin/*_bench; do
         log "$(basename "$bench")"
-        "$bench" --benchmark_min_time=0.05 --benchmark_repetitions=3 --benchmark_color=false || return 1
+        "$bench" --benchmark_min_time=0.05 --benchmark_repetitions=1 --benchmark_color=false || return 1
     done
 }
 
