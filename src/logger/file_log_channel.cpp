@@ -2,19 +2,13 @@
 #include <ovo/strings.h>
 
 #include "logger/rolling_file.h"
+#include "logger/two_digits.h"
 #include "platform/local_time.h"
 
 namespace ovo {
 namespace logger {
 
 namespace {
-
-char* twoDigits(char* out, int value)
-{
-    out[0] = static_cast<char>('0' + value / 10);
-    out[1] = static_cast<char>('0' + value % 10);
-    return out + 2;
-}
 
 // The day's file name, as "%04d-%02d-%02d.log" or "%04d-%02d-%02d-%s.log" give it: the
 // year in full and the month counted from 1. Written digit by digit for the years of four

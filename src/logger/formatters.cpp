@@ -1,5 +1,6 @@
 #include <ovo/logger/formatters.h>
 
+#include "logger/two_digits.h"
 #include "platform/local_time.h"
 
 #include <algorithm>
@@ -27,13 +28,6 @@ TimeOfDay now()
     const std::int64_t ticks = platform::systemTicks();
     const std::tm local = platform::localTime(ticks / 10000000);
     return {local.tm_hour, local.tm_min, local.tm_sec, static_cast<int>(ticks / 10000 % 1000)};
-}
-
-char* twoDigits(char* out, int value)
-{
-    out[0] = static_cast<char>('0' + value / 10 % 10);
-    out[1] = static_cast<char>('0' + value % 10);
-    return out + 2;
 }
 
 // "HH:MM:SS.mmm [" as "%02d:%02d:%02d.%03d [" gives it.
