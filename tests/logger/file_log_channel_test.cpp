@@ -9,7 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <future>
-#include <memory>
 #include <set>
 #include <sstream>
 
@@ -19,7 +18,6 @@
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #endif
 
 using namespace ovo::logger;
@@ -153,8 +151,7 @@ TEST_F(FileLogChannelTest, ThreadsAndProcessesNeverTearOrLoseALine)
 
     std::istringstream lines(contentOf("shared"));
     std::string line;
-    ASSERT_TRUE(std::getline(lines, line));
-    EXPECT_EQ(line, "# header");
+    ASSERT_TRUE(std::getline(lines, line) && line == "# header") << line;
     std::set<std::string> seen;
     const std::string tail = " " + std::string(60, '.');
     while (std::getline(lines, line)) {
@@ -191,20 +188,18 @@ TEST_F(FileLogChannelTest, AFullDiskKeepsEachMessageWholeOrNotAtAll)
     const fs::path small = dir.path() / "small", copy = dir.path() / "copy";
     fs::create_directory(small);
     const std::string body(990, '.');
-    const pid_t writer = ::fork();
-    if (writer == 0) {
-        if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-            ::mount("tmpfs", small.c_str(), "tmpfs", 0, "size=16k") != 0)
-            ::_exit(3);
-        auto logging = channel("full", "# header\n", small.string());
-        for (int i = 0; i < 40; ++i)
-            logging->write("n", std::to_string(i) + " " + body);
-        std::ofstream(copy, std::ios::binary) << readFile(small / todaysLogFile("full"));
-        ::_exit(0);
-    }
-    int status = 0;
-    ASSERT_EQ(::waitpid(writer, &status, 0), writer);
-    if (WIFEXITED(status) && WEXITSTATUS(status) == 3)
+    const int status =
+        ovo_test::ChildProcess([&] {
+            if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+                ::mount("tmpfs", small.c_str(), "tmpfs", 0, "size=16k") != 0)
+                return 3;
+            auto logging = channel("full", "# header\n", small.string());
+            for (int i = 0; i < 40; ++i)
+                logging->write("n", std::to_string(i) + " " + body);
+            std::ofstream(copy, std::ios::binary) << readFile(small / todaysLogFile("full"));
+            return 0;
+        }).wait();
+    if (status == 3)
         GTEST_SKIP() << "no mount namespace of its own here";
     ASSERT_EQ(status, 0);
     const std::string content = readFile(copy);

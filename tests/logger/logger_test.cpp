@@ -4,12 +4,9 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <set>
 #include <stdexcept>
-#include <string>
 #include <thread>
-#include <vector>
 
 namespace lg = ovo::logger;
 using ovo_test::RecordingChannel;
@@ -100,10 +97,7 @@ TEST(Registry, GetCopiesChannelAndLevelOfTheNearestRegisteredAncestorOnce)
     lg::ILogger& parent = lg::add("near", top);
     parent.setLevel(3);
     lg::ILogger& deep = lg::get("near.b.c");
-    EXPECT_EQ(deep.channel(), top);
-    EXPECT_EQ(deep.level(), 3);
-
-    parent.setLevel(-1);
+    parent.setLevel(-1); // what deep took at its making stays
     parent.setChannel(std::make_shared<RecordingChannel>());
     EXPECT_EQ(deep.level(), 3);
     EXPECT_EQ(deep.channel(), top);

@@ -6,10 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
-#include <string>
-#include <vector>
-
 namespace lg = ovo::logger;
 using ovo_test::RecordingChannel;
 
