@@ -6,8 +6,6 @@
 
 #include <climits>
 #include <stdexcept>
-#include <string>
-#include <utility>
 #include <vector>
 
 using ovo_test::failureOf;

@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
-#include <string>
-#include <vector>
 
 using ovo::ProgramOptions::IOptionValue;
 using ovo::ProgramOptions::OptionsProcessor;

@@ -5,8 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
-#include <string>
-#include <vector>
 
 namespace nf = ovo::NumberFormatter;
 using Bytes = std::vector<unsigned char>;

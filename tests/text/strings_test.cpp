@@ -5,8 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
-#include <string>
-#include <vector>
 
 using Pieces = std::vector<std::string>;
 
