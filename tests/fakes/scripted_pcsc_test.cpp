@@ -60,7 +60,7 @@ TEST_F(ScriptedService, EachOperationMakesItsOneCallWithTheSpecifiedArguments)
         reader.connect(); // still connected when destroyed: the context goes, no disconnect
     }
     EXPECT_EQ(pcscScript().calls, (Texts{"SCardEstablishContext(0)", "SCardConnect(C0C, Reader A 00 00, 2, 3)",
-                                         "SCardTransmit(CA4D, 1, [00 A4 04 00], 261)", "SCardStatus(CA4D, 200, 33)",
+                                         "SCardTransmit(CA4D, 1, [00 A4 04 00 ], 261)", "SCardStatus(CA4D, 200, 33)",
                                          "SCardGetStatusChange(C0C, 0, Reader A 00 00, 0)", "SCardDisconnect(CA4D, 0)",
                                          "SCardConnect(C0C, Reader A 00 00, 2, 3)", "SCardReleaseContext(C0C)"}));
 }

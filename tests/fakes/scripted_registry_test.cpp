@@ -45,10 +45,7 @@ TEST_F(ScriptedRegistryTest, OpensPassTheMaskAndTheBaseABackslashAndTheName)
 
 TEST_F(ScriptedRegistryTest, EachKeyIsClosedOnceByItsHolder)
 {
-    {
-        registry nothing(HKEY_CURRENT_USER);
-        nothing.close();
-    }
+    registry(HKEY_CURRENT_USER).close();
     EXPECT_EQ(registryScript().calls, Calls{}) << "nothing open: no call at all";
     {
         registry key(HKEY_CURRENT_USER);
@@ -102,8 +99,8 @@ TEST_F(ScriptedRegistryTest, ValuesGoWithTheirTypeAndSizeAndFailedReadsGiveTheDe
     key.deleteValue("word");
     key.flush();
     EXPECT_EQ(registryScript().calls,
-              (Calls{"RegSetValueExA(4B01, text, 1, [00])", "RegSetValueExA(4B01, word, 1, [61 62 00])",
-                     "RegSetValueExA(4B01, number, 4, [04 03 02 01])", "RegQueryValueExA(4B01, number, 4)",
+              (Calls{"RegSetValueExA(4B01, text, 1, [00 ])", "RegSetValueExA(4B01, word, 1, [61 62 00 ])",
+                     "RegSetValueExA(4B01, number, 4, [04 03 02 01 ])", "RegQueryValueExA(4B01, number, 4)",
                      "RegQueryValueExA(4B01, word, 256)", "RegDeleteValueA(4B01, word)", "RegFlushKey(4B01)"}));
 }
 
