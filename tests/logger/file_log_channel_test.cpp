@@ -53,8 +53,7 @@ protected:
 
 TEST_F(FileLogChannelTest, FileNamesOfTheLocalDateAndNothingWithoutAFormatter)
 {
-    FileLogChannel bare(dir.string(), "");
-    bare.write("n", "lost");
+    FileLogChannel(dir.string(), "").write("n", "lost");
     EXPECT_TRUE(fs::is_empty(dir.path()));
     for (const std::string suffix : {"", "x", "reader"}) {
         channel(suffix)->write("n", suffix + "!");
@@ -84,10 +83,9 @@ TEST_F(FileLogChannelTest, HeaderStandsAtTheHeadOfAnEmptyFileOnly)
     removed->write("n", "m");
     channel("runs", "no line end")->write("n", "m");
     channel("empty text", "header only\n")->write("n", ""); // the formatter gives nothing
-    const std::pair<const char*, const char*> expected[] = {
-        {"keys", "kept\n[m]\n"}, {"removed", "[m]\n"}, {"runs", "no line end[m]\n"}, {"empty text", "header only\n"}};
-    for (const auto& file : expected)
-        EXPECT_EQ(contentOf(file.first), file.second);
+    EXPECT_EQ(
+        (std::vector<std::string>{contentOf("keys"), contentOf("removed"), contentOf("runs"), contentOf("empty text")}),
+        (std::vector<std::string>{"kept\n[m]\n", "[m]\n", "no line end[m]\n", "header only\n"}));
 }
 
 // A missing directory, a directory or FIFO in the file's place, or another writer holding the file past a second

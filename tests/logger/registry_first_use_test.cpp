@@ -46,8 +46,7 @@ TEST(FirstUse, GetMakesTheRootAndTheNullLoggerOnDemand)
 
 TEST(FirstUse, AddedRootAndNullKeepTheirChannelsUntilShutdown)
 {
-    bool rootChannelGone = false;
-    bool outsiderChannelGone = false;
+    bool rootChannelGone = false, outsiderChannelGone = false;
     auto toNull = std::make_shared<RecordingChannel>();
     lg::add("null", toNull);
     lg::ILogger& root = lg::add("", std::make_shared<Watched>(rootChannelGone));
