@@ -214,7 +214,9 @@ TEST_F(ScriptedService, TheMonitorGivesEventsInTheOrderOfWhatChangedUntilItStops
     EXPECT_FALSE(monitor.stopped());
 
     pcscScript().failures.clear();
-    pcscScript().readerList = std::string("A\0\0", 3); // a reader with a card: two events
+    pcscScript().readerList = std::string("A\0B\0\0", 5);
+    EXPECT_EQ(eventsNow(monitor).size(), 4u);
+    pcscScript().eventState = 0x40022; // a card swapped in each reader: four events at once
     CardEvent event;
     ASSERT_TRUE(monitor.next(event, 0));
     monitor.stop();
