@@ -49,8 +49,7 @@ TEST(OptionsProcessor, WordsMatchWholeFormsOnly)
 TEST(OptionsProcessor, OtherPrefixAndDelimiter)
 {
     OptionsProcessor options('/', ':');
-    Recorder x;
-    Recorder help;
+    Recorder x, help;
     options.add("x", "yy", "", &x);
     options.add("h", "help", "", &help);
     EXPECT_EQ(options.process(Words{"program", "/x:5", "/-yy", "//help", "/-help:a:b", "-x", "/x=1"}), 3);
@@ -61,8 +60,7 @@ TEST(OptionsProcessor, OtherPrefixAndDelimiter)
 TEST(OptionsProcessor, CountsWordsThatTheirValueObjectAccepted)
 {
     OptionsProcessor options;
-    Recorder accepting;
-    Recorder refusing(false);
+    Recorder accepting, refusing(false);
     options.add("a", "", &accepting);
     options.add("r", "", &refusing);
     EXPECT_EQ(options.process(Words{"program", "-a=1", "stray", "-r", "-a=2", "--", "-a"}), 3);
@@ -102,8 +100,7 @@ TEST(OptionsProcessor, WordsAreCStrings)
     EXPECT_EQ(options.process(Words{"program", std::string("-k=ab\0cd", 8), std::string("--key\0=zz", 9)}), 2);
     EXPECT_EQ(value.received, (Words{"ab", ""}));
 
-    char program[] = "-k=program";
-    char word[] = "--key=argv";
+    char program[] = "-k=program", word[] = "--key=argv";
     char* argv[] = {program, word, nullptr};
     EXPECT_EQ(options.process(2, argv), 1);
     EXPECT_EQ(value.received.back(), "argv");

@@ -31,8 +31,7 @@ TEST(NumberFormatter, HexFormsOfEveryByteReadBack)
 
 TEST(NumberFormatter, BcdAndBool)
 {
-    const Bytes digits = {0x12, 0x34};
-    const Bytes high = {0xAF};
+    const Bytes digits = {0x12, 0x34}, high = {0xAF};
     EXPECT_EQ(nf::bcd2string(nullptr, 0), std::string(1, '\0'));
     EXPECT_EQ(nf::bcd2string(digits.data(), 2), std::string("1234\0", 5));
     EXPECT_EQ(nf::bcd2string(high.data(), 1), std::string(":?\0", 3));
