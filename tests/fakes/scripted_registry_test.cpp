@@ -43,7 +43,7 @@ TEST_F(ScriptedRegistryTest, OpensPassTheMaskAndTheBaseABackslashAndTheName)
     }
 }
 
-TEST_F(ScriptedRegistryTest, EachKeyIsClosedOnceByItsHolder)
+TEST_F(ScriptedRegistryTest, EachKeyIsClosedOnceByItsLastHolder)
 {
     registry(HKEY_CURRENT_USER).close();
     EXPECT_EQ(registryScript().calls, Calls{}) << "nothing open: no call at all";
@@ -58,10 +58,8 @@ TEST_F(ScriptedRegistryTest, EachKeyIsClosedOnceByItsHolder)
     }
     EXPECT_EQ(registryScript().calls,
               (Calls{"RegOpenKeyExA(80000001, A, " + passed(keyRead) + ")", "RegCloseKey(77)", "RegCloseKey(78)"}));
-}
 
-TEST_F(ScriptedRegistryTest, CopiesShareTheKeyAndTheLastHolderClosesIt)
-{
+    // Copies share the key, and the last holder closes it.
     for (int firstGone = 0; firstGone < 3; ++firstGone) {
         ovo_fake::resetRegistryScript();
         auto* source = new registry(HKEY_CURRENT_USER);

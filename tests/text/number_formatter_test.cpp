@@ -39,7 +39,7 @@ TEST(NumberFormatter, BcdAndBool)
     EXPECT_EQ(nf::formatBool(false), "no");
 }
 
-TEST(NumberFormatter, DumpLinesHaveOneWidth)
+TEST(NumberFormatter, DumpLinesHaveOneWidthAndNeedBytesAndAWidth)
 {
     const struct {
         Bytes bytes;
@@ -52,10 +52,6 @@ TEST(NumberFormatter, DumpLinesHaveOneWidth)
     };
     for (const auto& c : cases)
         EXPECT_EQ(nf::formatBuffer(c.bytes.data(), static_cast<unsigned int>(c.bytes.size()), c.perLine), c.text);
-}
-
-TEST(NumberFormatter, DumpOfNothingAndBadWidthsFail)
-{
     EXPECT_EQ(ovo_test::failureOf([] { nf::formatBuffer(nullptr, 0, 16); }, typeid(std::out_of_range)),
               "invalid string position");
     const unsigned char byte = 1;
