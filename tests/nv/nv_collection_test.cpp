@@ -103,7 +103,7 @@ TEST(NvCollection, CopiesAreDeepAndMovesEmptyTheSource)
     EXPECT_EQ(entriesOf(target), (Pairs{{"a", "2"}, {"b", "3"}}));
 }
 
-TEST(NvText, LoadCutsPairsThenNameAndValue)
+TEST(NvText, LoadCutsPairsThenNameAndValueWhateverTheSeparators)
 {
     const struct {
         std::string text;
@@ -126,10 +126,8 @@ TEST(NvText, LoadCutsPairsThenNameAndValue)
     ovo::nvCollection c("a=1;c=3", ";", "=");
     c.load("a=2;b=5", ";", "=");
     EXPECT_EQ(entriesOf(c), (Pairs{{"a", "2"}, {"b", "5"}, {"c", "3"}}));
-}
 
-TEST(NvText, UnusualSeparators)
-{
+    // Separators of other lengths, equal or empty.
     EXPECT_EQ(loaded("a: 1, b: 2", ", ", ": "), (Pairs{{"a", "1"}, {"b", "2"}}));
     EXPECT_EQ(loaded("a;b;c", ";", ";"), Pairs{}) << "equal separators add nothing";
     EXPECT_EQ(loaded("ab;cd", ";", ""), (Pairs{{"", "cd"}})) << "empty name-value separator";

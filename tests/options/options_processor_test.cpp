@@ -26,7 +26,7 @@ struct Recorder : IOptionValue {
 
 } // namespace
 
-TEST(OptionsProcessor, WordsMatchWholeFormsOnly)
+TEST(OptionsProcessor, WordsMatchWholeFormsOnlyOfTheirPrefixAndDelimiter)
 {
     OptionsProcessor options;
     Recorder verbose;
@@ -44,15 +44,13 @@ TEST(OptionsProcessor, WordsMatchWholeFormsOnly)
         EXPECT_EQ(options.process(Words{"program", c.word}), c.reaches ? 1 : 0) << c.word;
         EXPECT_EQ(verbose.received, c.reaches ? Words{c.value} : Words{}) << c.word;
     }
-}
 
-TEST(OptionsProcessor, OtherPrefixAndDelimiter)
-{
-    OptionsProcessor options('/', ':');
+    // Another prefix and delimiter.
+    OptionsProcessor slashed('/', ':');
     Recorder x, help;
-    options.add("x", "yy", "", &x);
-    options.add("h", "help", "", &help);
-    EXPECT_EQ(options.process(Words{"program", "/x:5", "/-yy", "//help", "/-help:a:b", "-x", "/x=1"}), 3);
+    slashed.add("x", "yy", "", &x);
+    slashed.add("h", "help", "", &help);
+    EXPECT_EQ(slashed.process(Words{"program", "/x:5", "/-yy", "//help", "/-help:a:b", "-x", "/x=1"}), 3);
     EXPECT_EQ(x.received, (Words{"5", ""}));
     EXPECT_EQ(help.received, Words{"a:b"});
 }

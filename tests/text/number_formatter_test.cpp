@@ -9,7 +9,7 @@
 namespace nf = ovo::NumberFormatter;
 using Bytes = std::vector<unsigned char>;
 
-TEST(NumberFormatter, HexFormsOfEveryByteReadBack)
+TEST(NumberFormatter, HexFormsOfEveryByteReadBackAndOnlyHexDigitsAreRead)
 {
     const unsigned char pair[] = {0x12, 0xAB};
     EXPECT_EQ(nf::buffer2stringL(pair, 2), "12ab");
@@ -58,10 +58,6 @@ TEST(NumberFormatter, DumpLinesHaveOneWidthAndNeedBytesAndAWidth)
     for (int width : {0, -1})
         EXPECT_EQ(ovo_test::failureOf([&] { nf::formatBuffer(&byte, 1, width); }, typeid(std::invalid_argument)),
                   "formatBuffer: bytesPerLine must be 1 or more, not " + std::to_string(width));
-}
-
-TEST(NumberFormatter, String2BufferReadsHexDigitsOnly)
-{
     EXPECT_EQ(nf::string2buffer(""), Bytes{});
     EXPECT_EQ(nf::string2buffer("ABC"), (Bytes{0x0A, 0xBC}));
     EXPECT_EQ(nf::string2buffer("aB"), Bytes{0xAB});
