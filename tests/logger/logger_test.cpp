@@ -76,7 +76,7 @@ TEST_F(LoggerFixture, BuildsTheTextOfEachOperation)
 }
 
 // The registry as whatever ran before in the process left it: every test uses names of its own.
-TEST(Registry, OneObjectPerExactName)
+TEST(Registry, GetGivesOneObjectPerExactNameThatCopiesItsNearestRegisteredAncestorOnce)
 {
     EXPECT_EQ(&lg::get("reg.same"), &lg::get("reg.same"));
     EXPECT_NE(&lg::get("reg.Case"), &lg::get("reg.case"));
@@ -84,10 +84,7 @@ TEST(Registry, OneObjectPerExactName)
     EXPECT_EQ(&lg::null(), &lg::get("null"));
     EXPECT_NE(&lg::root(), &lg::null());
     EXPECT_EQ(lg::get(".lonely").channel(), lg::root().channel()) << "a dot in first place cuts to the root";
-}
 
-TEST(Registry, GetCopiesChannelAndLevelOfTheNearestRegisteredAncestorOnce)
-{
     auto top = std::make_shared<RecordingChannel>();
     lg::ILogger& parent = lg::add("near", top);
     parent.setLevel(3);
