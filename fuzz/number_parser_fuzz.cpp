@@ -9,7 +9,6 @@
 #include <cstdint>
 #include <optional>
 #include <stdexcept>
-#include <string>
 #include <type_traits>
 
 namespace np = ovo::NumberParser;

@@ -6,7 +6,6 @@
 #include "fuzz_check.h"
 
 #include <cstdint>
-#include <string>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

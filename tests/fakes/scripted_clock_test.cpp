@@ -43,8 +43,8 @@ TEST_F(InUtc, StampsOfChosenInstants)
 }
 
 // The name is read a millisecond before midnight, the stamp at midnight: the line of the
-// new day ends the old day's file.
-TEST_F(InUtc, TheFileNameIsReadBeforeTheStamp)
+// new day ends the old day's file. A year of five digits is written in full.
+TEST_F(InUtc, TheFileNameIsReadBeforeTheStampAndHasTheWholeYear)
 {
     ovo_test::TempDir dir;
     FileLogChannel channel(dir.string(), "midnight");
@@ -56,16 +56,9 @@ TEST_F(InUtc, TheFileNameIsReadBeforeTheStamp)
               "00:00:00.000 [clock           ] last of the day\n");
     EXPECT_EQ(ovo_test::readFile(dir.path() / "2026-11-20-midnight.log"),
               "00:00:00.001 [clock           ] first of the day\n");
-}
-
 #if !defined(_WIN32) // Windows converts the years 1970 to 3000 only
-TEST_F(InUtc, AYearOfFiveDigitsIsWrittenInFull)
-{
-    ovo_test::TempDir dir;
-    FileLogChannel channel(dir.string(), "");
-    channel.setFormatter(std::make_shared<SimpleFormatter>());
     ovo_fake::scriptClock({253402300800LL * second});
     channel.write("clock", "m");
-    EXPECT_TRUE(std::filesystem::exists(dir.path() / "10000-01-01.log"));
-}
+    EXPECT_TRUE(std::filesystem::exists(dir.path() / "10000-01-01-midnight.log"));
 #endif
+}

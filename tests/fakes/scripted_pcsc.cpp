@@ -2,6 +2,7 @@
 
 #include "platform/pcsc_calls.h"
 
+#include <ovo/number_formatter.h>
 #include <ovo/strings.h>
 
 #include <algorithm>
@@ -20,19 +21,10 @@ struct Data {
 };
 
 // Arguments as the log shows them: handles in hex, numbers in decimal, data as hex bytes.
-std::string text(std::intptr_t handle, const char* format = "%lX")
-{
-    return ovo::format(format, static_cast<unsigned long>(handle));
-}
+std::string text(std::intptr_t handle) { return ovo::format("%lX", static_cast<unsigned long>(handle)); }
 std::string text(std::uint32_t number) { return std::to_string(number); }
 std::string text(const char* name) { return name; }
-std::string text(Data data)
-{
-    std::string bytes;
-    for (std::uint32_t i = 0; i < data.length; ++i)
-        bytes += (i == 0 ? "" : " ") + text(data.bytes[i], "%02X");
-    return "[" + bytes + "]";
-}
+std::string text(Data data) { return "[" + ovo::NumberFormatter::buffer2stringU2(data.bytes, data.length) + "]"; }
 
 // Logs the call and gives its scripted result.
 template <typename... Arguments> std::uint32_t call(const std::string& name, const Arguments&... arguments)

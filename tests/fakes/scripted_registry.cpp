@@ -2,6 +2,7 @@
 
 #include "platform/registry_calls.h"
 
+#include <ovo/number_formatter.h>
 #include <ovo/strings.h>
 
 #include <cstring>
@@ -11,10 +12,7 @@ namespace {
 
 RegistryScript script;
 
-std::string hex(std::uintptr_t value, const char* format = "%lX")
-{
-    return ovo::format(format, static_cast<unsigned long>(value));
-}
+std::string hex(std::uintptr_t value) { return ovo::format("%lX", static_cast<unsigned long>(value)); }
 
 std::string hex(const void* key) { return hex(reinterpret_cast<std::uintptr_t>(key)); }
 
@@ -79,9 +77,7 @@ LONG RegQueryValueExA(HKEY key, LPCSTR name, LPDWORD, LPDWORD type, LPBYTE data,
 
 LONG RegSetValueExA(HKEY key, LPCSTR name, DWORD, DWORD type, const BYTE* data, DWORD size)
 {
-    std::string bytes;
-    for (DWORD i = 0; i < size; ++i)
-        bytes += (i == 0 ? "" : " ") + hex(data[i], "%02lX");
+    const std::string bytes = ovo::NumberFormatter::buffer2stringU2(data, size);
     return call("RegSetValueExA", key, std::string(", ") + name + ", " + std::to_string(type) + ", [" + bytes + "]");
 }
 

@@ -43,12 +43,9 @@ TEST_F(ScriptedRegistryTest, OpensPassTheMaskAndTheBaseABackslashAndTheName)
     }
 }
 
-TEST_F(ScriptedRegistryTest, EachKeyIsClosedOnceByItsHolder)
+TEST_F(ScriptedRegistryTest, EachKeyIsClosedOnceByItsLastHolder)
 {
-    {
-        registry nothing(HKEY_CURRENT_USER);
-        nothing.close();
-    }
+    registry(HKEY_CURRENT_USER).close();
     EXPECT_EQ(registryScript().calls, Calls{}) << "nothing open: no call at all";
     {
         registry key(HKEY_CURRENT_USER);
@@ -61,10 +58,8 @@ TEST_F(ScriptedRegistryTest, EachKeyIsClosedOnceByItsHolder)
     }
     EXPECT_EQ(registryScript().calls,
               (Calls{"RegOpenKeyExA(80000001, A, " + passed(keyRead) + ")", "RegCloseKey(77)", "RegCloseKey(78)"}));
-}
 
-TEST_F(ScriptedRegistryTest, CopiesShareTheKeyAndTheLastHolderClosesIt)
-{
+    // Copies share the key, and the last holder closes it.
     for (int firstGone = 0; firstGone < 3; ++firstGone) {
         ovo_fake::resetRegistryScript();
         auto* source = new registry(HKEY_CURRENT_USER);
@@ -89,7 +84,7 @@ TEST_F(ScriptedRegistryTest, CopiesShareTheKeyAndTheLastHolderClosesIt)
     }
 }
 
-TEST_F(ScriptedRegistryTest, ValuesGoWithTheirTypeAndSizeAndFailedReadsGiveTheDefault)
+TEST_F(ScriptedRegistryTest, ValuesGoWithTheirTypeAndSizeAndReadsTakeOnlyTheirTypes)
 {
     registry key(HKEY_CURRENT_USER);
     key.createAndOpen("K", 0xF003F);
@@ -102,21 +97,19 @@ TEST_F(ScriptedRegistryTest, ValuesGoWithTheirTypeAndSizeAndFailedReadsGiveTheDe
     key.deleteValue("word");
     key.flush();
     EXPECT_EQ(registryScript().calls,
-              (Calls{"RegSetValueExA(4B01, text, 1, [00])", "RegSetValueExA(4B01, word, 1, [61 62 00])",
-                     "RegSetValueExA(4B01, number, 4, [04 03 02 01])", "RegQueryValueExA(4B01, number, 4)",
+              (Calls{"RegSetValueExA(4B01, text, 1, [00 ])", "RegSetValueExA(4B01, word, 1, [61 62 00 ])",
+                     "RegSetValueExA(4B01, number, 4, [04 03 02 01 ])", "RegQueryValueExA(4B01, number, 4)",
                      "RegQueryValueExA(4B01, word, 256)", "RegDeleteValueA(4B01, word)", "RegFlushKey(4B01)"}));
-}
 
-TEST_F(ScriptedRegistryTest, TextComesOnlyFromTextTypesAndNumbersFromAtMostFourBytes)
-{
+    // Text comes only from text types, numbers from at most four bytes.
     registryScript().values = {{"number", {4, std::string("\x07\0\0\0", 4)}},
                                {"short", {3, "ab"}},
                                {"expand", {2, "%PATH%"}}, // without its NUL, and not expanded
                                {"empty", {1, ""}},        // written with size 0: empty, not missing
                                {"long", {1, std::string(300, 'L') + '\0'}}};
-    registry key(HKEY_CURRENT_USER);
-    EXPECT_EQ(key.queryDWORDValue("number", 9), 9u) << "no key open";
-    key.open("K", keyRead);
+    registry reader(HKEY_CURRENT_USER);
+    EXPECT_EQ(reader.queryDWORDValue("number", 9), 9u) << "no key open";
+    reader.open("K", keyRead);
     const struct {
         const char* name;
         std::string text;
@@ -124,8 +117,8 @@ TEST_F(ScriptedRegistryTest, TextComesOnlyFromTextTypesAndNumbersFromAtMostFourB
     } cases[] = {{"number", "d", 7}, {"short", "d", 0x6261}, {"expand", "%PATH%", 9},
                  {"empty", "", 0},   {"missing", "d", 9},    {"long", std::string(300, 'L'), 9}};
     for (const auto& c : cases) {
-        EXPECT_EQ(key.queryStringValue(c.name, "d"), c.text) << c.name;
-        EXPECT_EQ(key.queryDWORDValue(c.name, 9), c.number) << c.name;
+        EXPECT_EQ(reader.queryStringValue(c.name, "d"), c.text) << c.name;
+        EXPECT_EQ(reader.queryDWORDValue(c.name, 9), c.number) << c.name;
     }
 }
 

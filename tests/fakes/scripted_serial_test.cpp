@@ -39,9 +39,7 @@ TEST(ScriptedSerial, SettingsInTheBlock)
     const std::uint32_t device = 0xC0F3u, allFlow = 0xF3F7u; // fBinary, fParity, DSR and DTR; with all flow flags
     const struct {
         const char* text;
-        std::uint32_t deviceFlags, baud;
-        int byteSize, parity, stopBits;
-        std::uint32_t flags;
+        std::uint32_t deviceFlags, baud, byteSize, parity, stopBits, flags;
     } cases[] = {
         {"baud=115200;data=5;parity=even;stop=1", device, 115200, 5, 2, 0, device},
         {"baud=250000;data=6;parity=odd;stop=1.5", device, 250000, 6, 1, 1, device},
@@ -59,9 +57,8 @@ TEST(ScriptedSerial, SettingsInTheBlock)
         std::memcpy(serialScript().deviceDcb.data() + 8, &c.deviceFlags, 4);
         SerialIO port(SerialConfig::fromString(std::string("device=COM3;") + c.text));
         const std::vector<unsigned char>& dcb = serialScript().dcbsSet.at(0);
-        EXPECT_EQ(wordAt(dcb, 4), c.baud) << c.text;
-        EXPECT_EQ((std::vector<int>{dcb[18], dcb[19], dcb[20]}), (std::vector<int>{c.byteSize, c.parity, c.stopBits}))
-            << c.text;
-        EXPECT_EQ(wordAt(dcb, 8), c.flags) << c.text << " from " << c.deviceFlags;
+        EXPECT_EQ((std::vector<std::uint32_t>{wordAt(dcb, 4), dcb[18], dcb[19], dcb[20], wordAt(dcb, 8)}),
+                  (std::vector<std::uint32_t>{c.baud, c.byteSize, c.parity, c.stopBits, c.flags}))
+            << c.text << " from " << c.deviceFlags;
     }
 }

@@ -9,7 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <future>
-#include <memory>
 #include <set>
 #include <sstream>
 
@@ -19,7 +18,6 @@
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #endif
 
 using namespace ovo::logger;
@@ -55,8 +53,7 @@ protected:
 
 TEST_F(FileLogChannelTest, FileNamesOfTheLocalDateAndNothingWithoutAFormatter)
 {
-    FileLogChannel bare(dir.string(), "");
-    bare.write("n", "lost");
+    FileLogChannel(dir.string(), "").write("n", "lost");
     EXPECT_TRUE(fs::is_empty(dir.path()));
     for (const std::string suffix : {"", "x", "reader"}) {
         channel(suffix)->write("n", suffix + "!");
@@ -86,10 +83,9 @@ TEST_F(FileLogChannelTest, HeaderStandsAtTheHeadOfAnEmptyFileOnly)
     removed->write("n", "m");
     channel("runs", "no line end")->write("n", "m");
     channel("empty text", "header only\n")->write("n", ""); // the formatter gives nothing
-    const std::pair<const char*, const char*> expected[] = {
-        {"keys", "kept\n[m]\n"}, {"removed", "[m]\n"}, {"runs", "no line end[m]\n"}, {"empty text", "header only\n"}};
-    for (const auto& file : expected)
-        EXPECT_EQ(contentOf(file.first), file.second);
+    EXPECT_EQ(
+        (std::vector<std::string>{contentOf("keys"), contentOf("removed"), contentOf("runs"), contentOf("empty text")}),
+        (std::vector<std::string>{"kept\n[m]\n", "[m]\n", "no line end[m]\n", "header only\n"}));
 }
 
 // A missing directory, a directory or FIFO in the file's place, or another writer holding the file past a second
@@ -153,8 +149,7 @@ TEST_F(FileLogChannelTest, ThreadsAndProcessesNeverTearOrLoseALine)
 
     std::istringstream lines(contentOf("shared"));
     std::string line;
-    ASSERT_TRUE(std::getline(lines, line));
-    EXPECT_EQ(line, "# header");
+    ASSERT_TRUE(std::getline(lines, line) && line == "# header") << line;
     std::set<std::string> seen;
     const std::string tail = " " + std::string(60, '.');
     while (std::getline(lines, line)) {
@@ -191,20 +186,18 @@ TEST_F(FileLogChannelTest, AFullDiskKeepsEachMessageWholeOrNotAtAll)
     const fs::path small = dir.path() / "small", copy = dir.path() / "copy";
     fs::create_directory(small);
     const std::string body(990, '.');
-    const pid_t writer = ::fork();
-    if (writer == 0) {
-        if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-            ::mount("tmpfs", small.c_str(), "tmpfs", 0, "size=16k") != 0)
-            ::_exit(3);
-        auto logging = channel("full", "# header\n", small.string());
-        for (int i = 0; i < 40; ++i)
-            logging->write("n", std::to_string(i) + " " + body);
-        std::ofstream(copy, std::ios::binary) << readFile(small / todaysLogFile("full"));
-        ::_exit(0);
-    }
-    int status = 0;
-    ASSERT_EQ(::waitpid(writer, &status, 0), writer);
-    if (WIFEXITED(status) && WEXITSTATUS(status) == 3)
+    const int status =
+        ovo_test::ChildProcess([&] {
+            if (::unshare(CLONE_NEWNS) != 0 || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+                ::mount("tmpfs", small.c_str(), "tmpfs", 0, "size=16k") != 0)
+                return 3;
+            auto logging = channel("full", "# header\n", small.string());
+            for (int i = 0; i < 40; ++i)
+                logging->write("n", std::to_string(i) + " " + body);
+            std::ofstream(copy, std::ios::binary) << readFile(small / todaysLogFile("full"));
+            return 0;
+        }).wait();
+    if (status == 3)
         GTEST_SKIP() << "no mount namespace of its own here";
     ASSERT_EQ(status, 0);
     const std::string content = readFile(copy);

@@ -5,9 +5,6 @@
 #include <ovo/logger/formatters.h>
 #include <ovo/logger/logger.h>
 
-#include <memory>
-#include <string>
-
 int main(int argc, char** argv)
 {
     if (argc != 6)

@@ -1,4 +1,5 @@
 #include <ovo/logger/formatters.h>
+#include <ovo/strings.h>
 
 #include "support/log_file_name.h"
 #include "support/process.h"
@@ -8,7 +9,6 @@
 #include <chrono>
 #include <cstdlib>
 #include <ctime>
-#include <string>
 #include <thread>
 #include <vector>
 
@@ -23,10 +23,8 @@ bool stampedBetween(std::chrono::system_clock::time_point before, const std::str
     auto stampOf = [](std::chrono::system_clock::time_point at) {
         const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(at.time_since_epoch()).count();
         const std::tm local = ovo_test::localTime(static_cast<std::time_t>(ms / 1000));
-        char stamp[16];
-        std::snprintf(stamp, sizeof stamp, "%02d:%02d:%02d.%03d", local.tm_hour, local.tm_min, local.tm_sec,
-                      static_cast<int>(ms % 1000));
-        return std::string(stamp);
+        return ovo::format("%02d:%02d:%02d.%03d", local.tm_hour, local.tm_min, local.tm_sec,
+                           static_cast<int>(ms % 1000));
     };
     const std::string from = stampOf(before), to = stampOf(std::chrono::system_clock::now()),
                       stamp = text.substr(0, 12);

@@ -6,10 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
-#include <string>
-#include <vector>
-
 namespace lg = ovo::logger;
 using ovo_test::RecordingChannel;
 
@@ -50,8 +46,7 @@ TEST(FirstUse, GetMakesTheRootAndTheNullLoggerOnDemand)
 
 TEST(FirstUse, AddedRootAndNullKeepTheirChannelsUntilShutdown)
 {
-    bool rootChannelGone = false;
-    bool outsiderChannelGone = false;
+    bool rootChannelGone = false, outsiderChannelGone = false;
     auto toNull = std::make_shared<RecordingChannel>();
     lg::add("null", toNull);
     lg::ILogger& root = lg::add("", std::make_shared<Watched>(rootChannelGone));

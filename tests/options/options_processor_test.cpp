@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
-#include <string>
-#include <vector>
 
 using ovo::ProgramOptions::IOptionValue;
 using ovo::ProgramOptions::OptionsProcessor;
@@ -28,7 +26,7 @@ struct Recorder : IOptionValue {
 
 } // namespace
 
-TEST(OptionsProcessor, WordsMatchWholeFormsOnly)
+TEST(OptionsProcessor, WordsMatchWholeFormsOnlyOfTheirPrefixAndDelimiter)
 {
     OptionsProcessor options;
     Recorder verbose;
@@ -46,16 +44,13 @@ TEST(OptionsProcessor, WordsMatchWholeFormsOnly)
         EXPECT_EQ(options.process(Words{"program", c.word}), c.reaches ? 1 : 0) << c.word;
         EXPECT_EQ(verbose.received, c.reaches ? Words{c.value} : Words{}) << c.word;
     }
-}
 
-TEST(OptionsProcessor, OtherPrefixAndDelimiter)
-{
-    OptionsProcessor options('/', ':');
-    Recorder x;
-    Recorder help;
-    options.add("x", "yy", "", &x);
-    options.add("h", "help", "", &help);
-    EXPECT_EQ(options.process(Words{"program", "/x:5", "/-yy", "//help", "/-help:a:b", "-x", "/x=1"}), 3);
+    // Another prefix and delimiter.
+    OptionsProcessor slashed('/', ':');
+    Recorder x, help;
+    slashed.add("x", "yy", "", &x);
+    slashed.add("h", "help", "", &help);
+    EXPECT_EQ(slashed.process(Words{"program", "/x:5", "/-yy", "//help", "/-help:a:b", "-x", "/x=1"}), 3);
     EXPECT_EQ(x.received, (Words{"5", ""}));
     EXPECT_EQ(help.received, Words{"a:b"});
 }
@@ -63,8 +58,7 @@ TEST(OptionsProcessor, OtherPrefixAndDelimiter)
 TEST(OptionsProcessor, CountsWordsThatTheirValueObjectAccepted)
 {
     OptionsProcessor options;
-    Recorder accepting;
-    Recorder refusing(false);
+    Recorder accepting, refusing(false);
     options.add("a", "", &accepting);
     options.add("r", "", &refusing);
     EXPECT_EQ(options.process(Words{"program", "-a=1", "stray", "-r", "-a=2", "--", "-a"}), 3);
@@ -104,8 +98,7 @@ TEST(OptionsProcessor, WordsAreCStrings)
     EXPECT_EQ(options.process(Words{"program", std::string("-k=ab\0cd", 8), std::string("--key\0=zz", 9)}), 2);
     EXPECT_EQ(value.received, (Words{"ab", ""}));
 
-    char program[] = "-k=program";
-    char word[] = "--key=argv";
+    char program[] = "-k=program", word[] = "--key=argv";
     char* argv[] = {program, word, nullptr};
     EXPECT_EQ(options.process(2, argv), 1);
     EXPECT_EQ(value.received.back(), "argv");

@@ -5,13 +5,11 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
-#include <string>
-#include <vector>
 
 namespace nf = ovo::NumberFormatter;
 using Bytes = std::vector<unsigned char>;
 
-TEST(NumberFormatter, HexFormsOfEveryByteReadBack)
+TEST(NumberFormatter, HexFormsOfEveryByteReadBackAndOnlyHexDigitsAreRead)
 {
     const unsigned char pair[] = {0x12, 0xAB};
     EXPECT_EQ(nf::buffer2stringL(pair, 2), "12ab");
@@ -33,8 +31,7 @@ TEST(NumberFormatter, HexFormsOfEveryByteReadBack)
 
 TEST(NumberFormatter, BcdAndBool)
 {
-    const Bytes digits = {0x12, 0x34};
-    const Bytes high = {0xAF};
+    const Bytes digits = {0x12, 0x34}, high = {0xAF};
     EXPECT_EQ(nf::bcd2string(nullptr, 0), std::string(1, '\0'));
     EXPECT_EQ(nf::bcd2string(digits.data(), 2), std::string("1234\0", 5));
     EXPECT_EQ(nf::bcd2string(high.data(), 1), std::string(":?\0", 3));
@@ -42,7 +39,7 @@ TEST(NumberFormatter, BcdAndBool)
     EXPECT_EQ(nf::formatBool(false), "no");
 }
 
-TEST(NumberFormatter, DumpLinesHaveOneWidth)
+TEST(NumberFormatter, DumpLinesHaveOneWidthAndNeedBytesAndAWidth)
 {
     const struct {
         Bytes bytes;
@@ -55,20 +52,12 @@ TEST(NumberFormatter, DumpLinesHaveOneWidth)
     };
     for (const auto& c : cases)
         EXPECT_EQ(nf::formatBuffer(c.bytes.data(), static_cast<unsigned int>(c.bytes.size()), c.perLine), c.text);
-}
-
-TEST(NumberFormatter, DumpOfNothingAndBadWidthsFail)
-{
     EXPECT_EQ(ovo_test::failureOf([] { nf::formatBuffer(nullptr, 0, 16); }, typeid(std::out_of_range)),
               "invalid string position");
     const unsigned char byte = 1;
     for (int width : {0, -1})
         EXPECT_EQ(ovo_test::failureOf([&] { nf::formatBuffer(&byte, 1, width); }, typeid(std::invalid_argument)),
                   "formatBuffer: bytesPerLine must be 1 or more, not " + std::to_string(width));
-}
-
-TEST(NumberFormatter, String2BufferReadsHexDigitsOnly)
-{
     EXPECT_EQ(nf::string2buffer(""), Bytes{});
     EXPECT_EQ(nf::string2buffer("ABC"), (Bytes{0x0A, 0xBC}));
     EXPECT_EQ(nf::string2buffer("aB"), Bytes{0xAB});

@@ -5,8 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
-#include <string>
-#include <vector>
 
 using Pieces = std::vector<std::string>;
 
@@ -21,7 +19,7 @@ TEST(Format, FormatsLikePrintfWithoutALimit)
     EXPECT_EQ(ovo::format("<%s>", big.c_str()), "<" + big + ">");
 }
 
-TEST(Compare, EqualityWithAndWithoutCase)
+TEST(Case, ComparedWithAndWithoutItAndChangedInLettersOnly)
 {
     const struct {
         std::string a, b;
@@ -34,10 +32,7 @@ TEST(Compare, EqualityWithAndWithoutCase)
         EXPECT_EQ(ovo::icompare(c.a, c.b), c.equalIgnoringCase) << c.a << " " << c.b;
         EXPECT_EQ(ovo::icompare(c.b, c.a), c.equalIgnoringCase) << c.b << " " << c.a;
     }
-}
 
-TEST(CaseConversion, ChangesLettersOnly)
-{
     const std::string mixed("aZ09 \x80\xFF-q", 10);
     EXPECT_EQ(ovo::toLower(mixed), std::string("az09 \x80\xFF-q", 10));
     EXPECT_EQ(ovo::toUpper(mixed), std::string("AZ09 \x80\xFF-Q", 10));
