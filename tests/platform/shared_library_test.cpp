@@ -61,11 +61,9 @@ TEST(SharedLibrary, TheTwoStringConstructorLoadsFromTheDirectoryItChangesTo)
     const fs::path before = fs::current_path();
     const fs::path directory = fs::path(modulePath).parent_path();
     fs::current_path(fs::temp_directory_path());
-    {
-        const ovo::SharedLibrary library("./" + moduleName, directory.string());
-        EXPECT_EQ(fs::current_path(), directory);
-        EXPECT_EQ(answerOf(library), 42);
-    }
+    const ovo::SharedLibrary library("./" + moduleName, directory.string());
+    EXPECT_EQ(fs::current_path(), directory);
+    EXPECT_EQ(answerOf(library), 42);
     fs::current_path(before);
 }
 
