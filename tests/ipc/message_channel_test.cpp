@@ -6,7 +6,6 @@ namespace {
 
 using ovo::ipc::MessageChannel;
 using ovo_test::ChildProcess;
-using Bytes = std::vector<unsigned char>;
 
 const unsigned int channelSize = 65536;
 
@@ -17,7 +16,7 @@ bool send(MessageChannel& c, unsigned id, std::string body)
 
 std::string received(MessageChannel& channel, unsigned int id)
 {
-    Bytes body;
+    std::vector<unsigned char> body;
     return channel.recv(id, body) ? std::string(body.begin(), body.end()) : "(none)";
 }
 

@@ -87,11 +87,9 @@ const KilledOperation operations[] = {
          return held;
      }},
     {"sweep of stale objects", [](const Scene&) { return ovo::ipc::removeStaleNamedObjects(), ""; },
-     [](const Scene& s, void*) -> std::string {
-         if (ovo_test::objectsNamed(s.name + "-held") != Names{s.name + "-held"})
-             return "an object that the test holds was swept away";
-         ovo::ipc::removeStaleNamedObjects(); // what the killed sweep left, the next one takes
-         return "";
+     [](const Scene& s, void*) { // what the killed sweep left, the next one takes
+         const bool kept = ovo_test::objectsNamed(s.name + "-held") == Names{s.name + "-held"};
+         return ovo::ipc::removeStaleNamedObjects(), kept ? "" : "an object that the test holds was swept away";
      },
      [](const Scene& s) -> std::shared_ptr<void> { return std::make_shared<SystemMutex>(s.name + "-held"); },
      [](const Scene& s) { // three blocks of a process that dies as a crash ends it: its files stay
