@@ -33,8 +33,6 @@ protected:
         store.close();
 #if defined(_WIN32)
         RegDeleteTreeA(HKEY_CURRENT_USER, base.c_str());
-#else
-        unsetenv("XDG_CONFIG_HOME");
 #endif
     }
 
