@@ -92,6 +92,9 @@ TEST_F(RegistryStoreTest, NamesStayInsideTheStore)
     EXPECT_TRUE(inCapitals.open(std::string(254, '%') + "K", readAccess) && inCapitals.queryDWORDValue("Mark", 0) == 1);
     ASSERT_EQ(::mkfifo((keyDirectory / "%vfifo").c_str(), 0600), 0);
     EXPECT_EQ(store.queryStringValue("fifo", "none"), "none"); // at once, not blocked on the FIFO
+    std::ofstream(keyDirectory / "%next") << "left by a writer killed mid-way";
+    store.setStringValue("after", "set");
+    EXPECT_EQ(store.queryStringValue("after", ""), "set");
 
     ovo_test::TempDir machine; // HKEY_LOCAL_MACHINE: the first of the configuration directories
     setenv("XDG_CONFIG_DIRS", (machine.string() + ":/etc/xdg").c_str(), 1);
