@@ -61,10 +61,8 @@ TEST_F(PtyPair, ReadTimeOuts)
             continue;
         }
         SerialIO port(peer.config(c.timeouts));
-        std::thread device([&] {
-            std::this_thread::sleep_for(milliseconds(c.delay));
-            peer.send(std::string(c.sent, 'x'));
-        });
+        std::thread device(
+            [&] { std::this_thread::sleep_for(milliseconds(c.delay)), peer.send(std::string(c.sent, 'x')); });
         std::vector<unsigned char> buffer(c.asked);
         const auto start = Clock::now();
         EXPECT_EQ(port.recv(buffer.data(), c.asked), c.got) << c.rule;

@@ -26,18 +26,15 @@ void standBy(const std::string& ready, const std::string& text, const std::strin
 unsigned number(const std::string& text) { return static_cast<unsigned>(ovo::NumberParser::parseUInt32(text)); }
 
 // Adds up what the channel's repair lines say was dropped ("...; N dropped, ...").
-class LedgerLogChannel : public ovo::logger::AbstractLogChannel {
-public:
-    explicit LedgerLogChannel(ovo_test::Ledger& ledger) : ledger_(ledger) {}
+struct LedgerLogChannel : ovo::logger::AbstractLogChannel {
+    explicit LedgerLogChannel(ovo_test::Ledger& ledger) : ledger(ledger) {}
     void write(const std::string&, const std::string& message) override
     {
         const std::size_t numbers = message.rfind("; ");
         if (numbers != std::string::npos)
-            ledger_.loggedDrops += static_cast<std::uint32_t>(std::strtoul(message.c_str() + numbers + 2, nullptr, 10));
+            ledger.loggedDrops += static_cast<std::uint32_t>(std::strtoul(message.c_str() + numbers + 2, nullptr, 10));
     }
-
-private:
-    ovo_test::Ledger& ledger_;
+    ovo_test::Ledger& ledger;
 };
 
 // A sender or receiver of the channel kill test, in slot SLOT of the ledger, until the
@@ -56,31 +53,25 @@ int ledgerPeer(bool sender, const std::string& channelName, const std::string& l
     mine.running = 1;
     while (!ledger.stop) {
         const unsigned id = 1 + random() % classCount;
-        if (sender) {
-            if (ledger.receipts >= maxReceipts / 2) { // enough for one row
-                std::this_thread::yield();
-                continue;
-            }
-            writeBody(body.data(), bodySize(id), {slot, mine.committed});
-            bool sent = false;
-            while (!(sent = channel.send(id, body.data(), bodySize(id))) && !ledger.stop)
-                std::this_thread::yield();
-            mine.committed += sent ? 1 : 0;
-            continue;
-        }
-        if (!channel.recv(random() % 4 == 0 ? 0 : id, mine.body, bodySize(id))) {
-            std::this_thread::yield();
-            continue;
-        }
         Identity taken;
-        if (!bodyIsIntact(mine.body, bodySize(id), taken)) {
+        if (sender && ledger.receipts >= maxReceipts / 2) { // enough for one row
+            std::this_thread::yield();
+        } else if (sender) {
+            writeBody(body.data(), bodySize(id), {slot, mine.committed});
+            for (; !channel.send(id, body.data(), bodySize(id)); std::this_thread::yield())
+                if (ledger.stop)
+                    return 0;
+            ++mine.committed;
+        } else if (!channel.recv(random() % 4 == 0 ? 0 : id, mine.body, bodySize(id))) {
+            std::this_thread::yield();
+        } else if (!bodyIsIntact(mine.body, bodySize(id), taken)) {
             ++ledger.corrupt;
-            continue;
+        } else {
+            Receipt& receipt = ledger.receipt[ledger.receipts++];
+            receipt.slot = taken.first;
+            receipt.sequence = taken.second;
+            receipt.valid = 1;
         }
-        Receipt& receipt = ledger.receipt[ledger.receipts++];
-        receipt.slot = taken.first;
-        receipt.sequence = taken.second;
-        receipt.valid = 1;
     }
     return 0;
 }
@@ -100,10 +91,7 @@ int run(const Args& a)
     }
     if (command == "try-mutex") { // NAME MILLISECONDS: 0 when granted
         ovo::ipc::SystemMutex mutex(a.at(1));
-        if (!mutex.tryLock(ovo::NumberParser::parseInt32(a.at(2))))
-            return 1;
-        mutex.unlock();
-        return 0;
+        return mutex.tryLock(ovo::NumberParser::parseInt32(a.at(2))) ? (mutex.unlock(), 0) : 1;
     }
     if (command == "memory") { // NAME SIZE OFFSET BYTE READY RELEASE: READY says created/joined
         ovo::ipc::SharedMemory memory(a.at(1), number(a.at(2)));
@@ -119,14 +107,13 @@ int run(const Args& a)
         std::memset(memory.begin(), 1, number(a.at(2)));
         return 0;
     }
-    if (command == "channel-send") { // NAME SIZE COUNT [READY RELEASE]: ids 1..COUNT, body "message N";
+    if (command == "channel-send") { // NAME SIZE COUNT READY RELEASE: ids 1..COUNT, body "message N";
         ovo::ipc::MessageChannel channel(a.at(1), number(a.at(2))); // 0 when they are all queued
         for (unsigned id = 1; id <= number(a.at(3)); ++id) {
             std::string body = "message " + std::to_string(id);
             channel.send(id, &body[0], static_cast<unsigned int>(body.size()));
         }
-        if (a.size() > 4)
-            standBy(a.at(4), "sent", a.at(5));
+        standBy(a.at(4), "sent", a.at(5));
         return channel.inQueue() == number(a.at(3)) ? 0 : 1;
     }
     if (command == "channel-recv") { // NAME SIZE ID: 0 when a message was taken

@@ -6,7 +6,6 @@ namespace {
 
 using ovo::ipc::SharedMemory;
 using ovo::ipc::SystemMutex;
-using ovo_test::failureOf;
 
 unsigned char* bytes(const SharedMemory& memory) { return static_cast<unsigned char*>(memory.begin()); }
 long length(const SharedMemory& block) { return static_cast<char*>(block.end()) - static_cast<char*>(block.begin()); }
@@ -24,22 +23,6 @@ TEST_F(SharedMemoryTest, TheFirstObjectCreatesAndOthersJoinTheSameBytesWithTheir
     bytes(second)[0] = 0x5A;
     EXPECT_EQ(bytes(second)[99], 0xA5);
     EXPECT_EQ(bytes(first)[0], 0x5A);
-    EXPECT_EQ(failureOf([&] { SharedMemory big(name("block"), 20000); }), "::MapViewOfFile( size = 20000 ) failed: 5");
-}
-
-TEST_F(SharedMemoryTest, AfterTheLastHolderLeftOrWasKilledABlockIsNewAndEmpty)
-{
-    bytes(SharedMemory(name("again"), 64))[0] = 1;
-    EXPECT_EQ(bytes(SharedMemory(name("again"), 64))[0], 0);
-    ovo_test::ChildProcess creator("ipc_peer", {"memory", name("killed"), "64", "3", "9", file("created"), "-"});
-    ASSERT_TRUE(ovo_test::waitForFile(file("created")));
-    ovo_test::ChildProcess joiner("ipc_peer", {"memory", name("killed"), "64", "4", "9", file("joined"), "-"});
-    ASSERT_TRUE(ovo_test::waitForFile(file("joined")));
-    creator.kill();
-    joiner.kill();
-    SharedMemory memory(name("killed"), 64);
-    EXPECT_TRUE(memory.isCreated());
-    EXPECT_EQ(bytes(memory)[3], 0);
 }
 
 #if !defined(_WIN32)

@@ -13,15 +13,11 @@ using parity::show;
 using parity::tagged;
 using parity::yesNo;
 
-// Two blocks of one name: the size each sees and whether it made the block.
-static std::string join(unsigned int created, unsigned int joined)
+// A block: the size it sees and whether it made the block.
+static std::string seen(const SharedMemory& block)
 {
-    const auto seen = [](const SharedMemory& block) {
-        const auto size = static_cast<char*>(block.end()) - static_cast<char*>(block.begin());
-        return std::to_string(size) + (block.isCreated() ? " created" : " joined");
-    };
-    SharedMemory creator(tagged("b"), created), joiner(tagged("b"), joined);
-    return seen(creator) + ", " + seen(joiner);
+    const auto size = static_cast<char*>(block.end()) - static_cast<char*>(block.begin());
+    return std::to_string(size) + (block.isCreated() ? " created" : " joined");
 }
 
 int main()
@@ -30,8 +26,10 @@ int main()
     for (const std::string& name : {std::string(), tagged("a\\b"), tagged("/../x"), longName(254), longName(255)})
         show("mutex " + parity::quoted(name), [&] { return SystemMutex(name), "made"; });
     for (const auto& sizes : {std::make_pair(100, 100), {100, 4096}, {100, 4097}, {0, 0}})
-        show("block of " + std::to_string(sizes.first) + ", joined with " + std::to_string(sizes.second),
-             [&] { return join(sizes.first, sizes.second); });
+        show("block of " + std::to_string(sizes.first) + ", joined with " + std::to_string(sizes.second), [&] {
+            SharedMemory creator(tagged("b"), sizes.first), joiner(tagged("b"), sizes.second);
+            return seen(creator) + ", " + seen(joiner);
+        });
     show("mutex on an event's name", [] { return SystemEvent(tagged("k")), SystemMutex(tagged("k")), "made"; });
     show("channel: 1 byte, then beyond the room", [] {
         MessageChannel channel(tagged("q"), 4200);

@@ -46,16 +46,18 @@ std::string dropHeldMutex(const Scene& s)
 std::string mutexGranted(const Scene& s, void*)
 {
     SystemMutex mutex(s.name);
-    if (!mutex.tryLock(10000) && !mutex.tryLock(0))
-        return "the mutex was not granted after its holder was killed, or its abandonment was told twice";
-    mutex.unlock();
-    return "";
+    return mutex.tryLock(10000) || mutex.tryLock(0)
+               ? (mutex.unlock(), "")
+               : "the mutex was not granted after its holder was killed, or its abandonment was told twice";
 }
 
-// A block that nobody holds is made anew and empty (and filled, for the next to find).
-std::string freshBlockMade(const Scene& s)
+// The block that the test holds is joined with its bytes, and a block that nobody holds is
+// made anew and empty (and filled, for the next to find).
+std::string joinedAndFresh(const Scene& s)
 {
-    SharedMemory fresh(s.name + "-fresh", 65536);
+    SharedMemory held(s.name + "-held", 4096), fresh(s.name + "-fresh", 65536);
+    if (held.isCreated() || !ovo_test::allBytesAre(held, 'J'))
+        return "a block that another process holds was not joined with its bytes";
     const bool made = fresh.isCreated() && ovo_test::allBytesAre(fresh, 0);
     ovo_test::fillBytes(fresh, 0xA5);
     return made ? "" : "a block that nobody held was not made anew and empty";
@@ -74,40 +76,20 @@ std::string valueWhole(const Scene& s, void*)
 
 const KilledOperation operations[] = {
     {"set of a registry value", ovo_test::setRowTexts, valueWhole,
-     [](const Scene& s) -> std::shared_ptr<void> {
-         ovo_test::rowKey(s).setStringValue("text", ovo_test::rowText(0));
-         return nullptr;
-     }},
+     [](const Scene& s) { return ovo_test::rowKey(s).setStringValue("text", ovo_test::rowText(0)), nullptr; }},
     {"last close of a held mutex", dropHeldMutex, mutexGranted},
     {"close of a held mutex that others hold", dropHeldMutex, mutexGranted,
      [](const Scene& s) -> std::shared_ptr<void> { return std::make_shared<SystemMutex>(s.name); }},
-    {"create and join",
-     [](const Scene& s) -> std::string {
-         SharedMemory held(s.name + "-held", 4096);
-         if (held.isCreated() || !ovo_test::allBytesAre(held, 'J'))
-             return "a block that another process holds was not joined with its bytes";
-         return freshBlockMade(s);
-     },
-     [](const Scene& s, void* held) -> std::string {
-         if (!ovo_test::allBytesAre(*static_cast<SharedMemory*>(held), 'J'))
-             return "the test's block lost its bytes";
-         return freshBlockMade(s);
-     },
+    {"create and join", joinedAndFresh, [](const Scene& s, void*) { return joinedAndFresh(s); },
      [](const Scene& s) -> std::shared_ptr<void> {
          auto held = std::make_shared<SharedMemory>(s.name + "-held", 4096);
          ovo_test::fillBytes(*held, 'J');
          return held;
      }},
-    {"sweep of stale objects",
-     [](const Scene&) {
-         ovo::ipc::removeStaleNamedObjects();
-         return "";
-     },
-     [](const Scene& s, void*) -> std::string {
-         if (ovo_test::objectsNamed(s.name + "-held") != Names{s.name + "-held"})
-             return "an object that the test holds was swept away";
-         ovo::ipc::removeStaleNamedObjects(); // what the killed sweep left, the next one takes
-         return "";
+    {"sweep of stale objects", [](const Scene&) { return ovo::ipc::removeStaleNamedObjects(), ""; },
+     [](const Scene& s, void*) { // what the killed sweep left, the next one takes
+         const bool kept = ovo_test::objectsNamed(s.name + "-held") == Names{s.name + "-held"};
+         return ovo::ipc::removeStaleNamedObjects(), kept ? "" : "an object that the test holds was swept away";
      },
      [](const Scene& s) -> std::shared_ptr<void> { return std::make_shared<SystemMutex>(s.name + "-held"); },
      [](const Scene& s) { // three blocks of a process that dies as a crash ends it: its files stay

@@ -8,7 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include <climits>
 #include <grp.h>
 #include <sys/stat.h>
 
@@ -74,9 +73,8 @@ std::string snapshot(const std::string& path)
         return "nothing";
     std::string shot = std::to_string(status.st_mode) + " " + std::to_string(status.st_uid) + " " +
                        std::to_string(status.st_ino) + ": ";
-    char to[PATH_MAX] = {};
     if (S_ISLNK(status.st_mode))
-        shot += std::string(to, std::max<ssize_t>(readlink(path.c_str(), to, sizeof to), 0));
+        shot += fs::read_symlink(path).string();
     else if (S_ISREG(status.st_mode))
         shot += ovo_test::readFile(path);
     else if (S_ISDIR(status.st_mode))
@@ -117,10 +115,7 @@ const OpenedPath paths[] = {
     // Where another user can make a file of a name first: it takes the name, and is named.
     {"named-object file of a user without a session", sessionlessUser,
      [](Scene& s) { return "/dev/shm/ovosystem.u" + std::to_string(sessionlessUser) + "." + s.name; },
-     [](const Scene& s) {
-         unsetenv("XDG_RUNTIME_DIR");
-         return blockMade(s.name);
-     },
+     [](const Scene& s) { return unsetenv("XDG_RUNTIME_DIR"), blockMade(s.name); },
      [](const Scene& s, bool planted, const std::string& outcome) {
          const std::string taken =
              "::OpenFileMapping( 'Local\\" + s.name + "' ) failed. openError = 5, createError = 5; listed as taken";

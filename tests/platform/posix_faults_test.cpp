@@ -64,7 +64,6 @@ TEST(PosixFaults, FailuresReportTheCauseAndChangeNothing)
     CloseHandle(handle);
     EXPECT_EQ(ovo_test::readFile(file), "hello");
     RegCloseKey(key);
-    unsetenv("XDG_CONFIG_HOME");
 }
 
 TEST(PosixFaults, ANamedObjectThatCannotBeMadeLeavesNothing)
@@ -89,7 +88,6 @@ TEST(PosixFaults, ANamedObjectThatCannotBeMadeLeavesNothing)
     ASSERT_NE(mapping, nullptr); // the name is free and works again
     CloseHandle(mapping);
     EXPECT_FALSE(std::filesystem::exists(file));
-    unsetenv("XDG_RUNTIME_DIR");
 }
 
 // "Global\" names are one namespace for every session: a process without one (a service)
@@ -111,5 +109,4 @@ TEST(PosixLayer, GlobalNamesAreOneNamespaceForEverySession)
         EXPECT_EQ(sessionless.wait(), scope == "Global\\" ? 1 : 0) << scope;
         CloseHandle(held);
     }
-    unsetenv("XDG_RUNTIME_DIR");
 }

@@ -64,12 +64,8 @@ std::string takeOverRound(const Scene& s)
     SharedMemory block(s.name + std::to_string(index), 4096);
     if (!block.isCreated() || !ovo_test::allBytesAre(block, 0))
         return "a block that its holder left by dying was not made anew and empty";
-    try {
-        SystemMutex mutex(s.name + std::to_string(index));
-        return "a block that is held was swept away: its name made a mutex";
-    } catch (const std::runtime_error&) {
-        return "";
-    }
+    const bool refused = !ovo_test::failureOf([&] { SystemMutex mutex(s.name + std::to_string(index)); }).empty();
+    return refused ? "" : "a block that is held was swept away: its name made a mutex";
 }
 
 // Reads the row's value: never a text that nobody wrote.
@@ -86,10 +82,7 @@ const Race races[] = {
     {"create and last close of a channel", {channelRound, channelRound}},
     {"sweep and take-over of a stale object",
      {takeOverRound},
-     [](const Scene&) {
-         ovo::ipc::removeStaleNamedObjects();
-         return "";
-     }},
+     [](const Scene&) { return ovo::ipc::removeStaleNamedObjects(), ""; }},
 };
 
 void PrintTo(const Race& row, std::ostream* out) { *out << row.operations; }

@@ -33,14 +33,11 @@ protected:
         store.close();
 #if defined(_WIN32)
         RegDeleteTreeA(HKEY_CURRENT_USER, base.c_str());
-#else
-        unsetenv("XDG_CONFIG_HOME");
 #endif
     }
 
-    std::string key(const std::string& name) const { return base + "\\" + name; }
-
     ovo_test::TempDir config;
+    const std::filesystem::path keyDirectory = config.path() / "ovosystem/registry/software/ovotest/key"; // on Linux
 #if defined(_WIN32)
     std::string base = "Software\\ovotest-" + std::to_string(GetCurrentProcessId());
 #else
@@ -49,19 +46,17 @@ protected:
     registry store{HKEY_CURRENT_USER, base};
 };
 
+// (Empty values, values of the other type, refused names: the parity scenario.)
 TEST_F(RegistryStoreTest, ValuesReadBackByNameWithoutCase)
 {
     store.setDWORDValue("Number", 0xFFFFFFFFul);
     store.setStringValue("Text", "reader one");
-    store.setStringValue("Empty", "");
     store.setStringValue(std::string(300, 'L'), "long one"); // longer than a file name
     store.setStringValue(std::string(299, 'L') + "M", "long two");
     EXPECT_EQ(store.queryDWORDValue("NUMBER", 7), 0xFFFFFFFFul);
     EXPECT_EQ(store.queryStringValue("text", "default"), "reader one");
-    EXPECT_EQ(store.queryStringValue("Empty", "default"), "");
     EXPECT_EQ(store.queryStringValue(std::string(300, 'l'), "default"), "long one");
     EXPECT_EQ(store.queryStringValue(std::string(299, 'L') + "m", "default"), "long two");
-    EXPECT_EQ(store.queryStringValue("Number", "default"), "default"); // a number is no text
     store.setStringValue("text", "replaced");
     EXPECT_EQ(store.queryStringValue("Text", "default"), "replaced");
     store.deleteValue("Text");
@@ -70,7 +65,7 @@ TEST_F(RegistryStoreTest, ValuesReadBackByNameWithoutCase)
     EXPECT_EQ(store.queryDWORDValue("Number", 7), 0xFFFFFFFFul);
     store.close();
     EXPECT_FALSE(store.open("Missing", readAccess));
-    EXPECT_EQ(store.keyName(), key("Missing"));
+    EXPECT_EQ(store.keyName(), base + "\\Missing");
     ASSERT_TRUE(store.open(std::string("KEY\0After", 9), readAccess)); // key names too, up to a NUL
     store.setDWORDValue("Number", 2);                                  // refused: the key is open for reading
     EXPECT_EQ(store.queryDWORDValue("Number", 7), 0xFFFFFFFFul);
@@ -81,22 +76,15 @@ TEST_F(RegistryStoreTest, ValuesReadBackByNameWithoutCase)
 // inside the store, and what stands there without being a value is none.
 TEST_F(RegistryStoreTest, NamesStayInsideTheStore)
 {
-    for (const char* name : {"..\\..\\..\\escape", "a/b", "..", ".", "a\\\\b"}) {
-        registry other(HKEY_CURRENT_USER, base);
-        EXPECT_TRUE(other.createAndOpen(name, allAccess)) << name;
-    }
-    registry root(HKEY_CURRENT_USER);
-    EXPECT_TRUE(root.createAndOpen("..\\escape", allAccess));
-    EXPECT_FALSE(root.createAndOpen("\\escape", allAccess)); // a leading backslash, as on Windows
+    for (const char* name : {"..\\..\\..\\escape", "a/b", "..", ".", "a\\\\b"})
+        EXPECT_TRUE(registry(HKEY_CURRENT_USER, base).createAndOpen(name, allAccess)) << name;
+    EXPECT_TRUE(registry(HKEY_CURRENT_USER).createAndOpen("..\\escape", allAccess));
     store.setStringValue("../../escape", "kept inside");
     EXPECT_EQ(store.queryStringValue("../../escape", ""), "kept inside");
-    EXPECT_FALSE(std::filesystem::exists(config.path().parent_path() / "escape"));
-    EXPECT_FALSE(std::filesystem::exists(config.path() / "ovosystem/escape"));
+    EXPECT_FALSE(std::filesystem::exists(config.path().parent_path() / "escape") ||
+                 std::filesystem::exists(config.path() / "ovosystem/escape"));
 
-    const auto keyDirectory = config.path() / "ovosystem/registry/software/ovotest/key";
-    registry longest(HKEY_CURRENT_USER, base), tooLong(HKEY_CURRENT_USER, base); // Windows' limit: 255 characters
-    EXPECT_TRUE(longest.createAndOpen(std::string(255, 'k'), allAccess));
-    EXPECT_FALSE(tooLong.createAndOpen(std::string(256, 'k'), allAccess));
+    EXPECT_TRUE(registry(HKEY_CURRENT_USER, base).createAndOpen(std::string(255, 'k'), allAccess)); // Windows' limit
     EXPECT_TRUE(std::filesystem::is_directory(keyDirectory.parent_path() / std::string(255, 'k'))); // named as before
     registry escaped(HKEY_CURRENT_USER, base), inCapitals(HKEY_CURRENT_USER, base); // too long a file name escaped
     ASSERT_TRUE(escaped.createAndOpen(std::string(254, '%') + "k", allAccess));
@@ -121,9 +109,8 @@ TEST_F(RegistryStoreTest, ALinkThatAnotherUserPlantedIsNeverFollowed)
 {
     if (geteuid() != 0)
         GTEST_SKIP() << "only root may make a link of another user";
-    const auto keyDirectory = config.path() / "ovosystem/registry/software/ovotest/key";
     const auto sourceDirectory = keyDirectory.parent_path() / "source";
-    registry source(HKEY_CURRENT_USER, base), sub(HKEY_CURRENT_USER, key("Key"));
+    registry source(HKEY_CURRENT_USER, base), sub(HKEY_CURRENT_USER, base + "\\Key");
     ASSERT_TRUE(source.createAndOpen("Source", allAccess));
     for (const auto& row : ovo_test::plantedLinks) {
         source.setStringValue("value", "elsewhere");

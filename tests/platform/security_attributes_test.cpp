@@ -33,22 +33,10 @@ Bytes onlyEntryOf(SecurityAttributes& attributes)
     return Bytes(entry, entry + (entry[2] | entry[3] << 8));
 }
 
-// An allowing entry, not inherited, for an identifier of revision 1 under the authority
-// 0.0.0.0.0.authority.
-Bytes allowingEntry(std::uint32_t mask, std::uint8_t authority, const std::vector<std::uint32_t>& subAuthorities)
-{
-    const auto count = static_cast<std::uint8_t>(subAuthorities.size());
-    Bytes entry{0, 0, static_cast<std::uint8_t>(16 + 4 * count), 0};
-    auto append = [&entry](std::uint32_t word) {
-        for (int shift = 0; shift < 32; shift += 8)
-            entry.push_back(static_cast<std::uint8_t>(word >> shift));
-    };
-    append(mask);
-    entry.insert(entry.end(), {1, count, 0, 0, 0, 0, 0, authority});
-    for (std::uint32_t part : subAuthorities)
-        append(part);
-    return entry;
-}
+// Allowing entries, not inherited: type, flags, size, the mask (little-endian), then the
+// identifier: revision 1, its count of parts, the authority 0.0.0.0.0.N, the parts.
+const Bytes worldEntry = {0, 0, 20, 0, 0x1F, 0, 2, 0, 1, 1, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0};
+const Bytes adminsEntry = {0, 0, 24, 0, 1, 0, 0x1F, 0, 1, 2, 0, 0, 0, 0, 0, 5, 32, 0, 0, 0, 0x20, 2, 0, 0};
 
 TEST(SecurityAttributesTest, TheRecordHoldsADescriptorWithOneEntryForTheGroup)
 {
@@ -57,9 +45,9 @@ TEST(SecurityAttributesTest, TheRecordHoldsADescriptorWithOneEntryForTheGroup)
         std::uint32_t mask;
         Bytes entry;
     } cases[] = {
-        {SecurityAttributes::SA_World, 0x2001F, allowingEntry(0x2001F, 1, {0})},
-        {SecurityAttributes::SA_Admin, 0x1F0001, allowingEntry(0x1F0001, 5, {32, 544})},
-        {7, 0x1, allowingEntry(0x1, 5, {32, 544})}, // any kind but 0: the administrators
+        {SecurityAttributes::SA_World, 0x2001F, worldEntry},
+        {SecurityAttributes::SA_Admin, 0x1F0001, adminsEntry},
+        {7, 0x1F0001, adminsEntry}, // any kind but 0: the administrators
     };
     for (const auto& c : cases) {
         SecurityAttributes attributes(static_cast<SecurityAttributes::SA_Predefined>(c.kind), c.mask);
@@ -81,9 +69,8 @@ TEST(SecurityAttributesTest, TheRecordHoldsADescriptorWithOneEntryForTheGroup)
 // (the sanitizer build finds a double or a missing release).
 TEST(SecurityAttributesTest, AssignedCopiesReleaseTheirSetOnce)
 {
-    const Bytes worldEntry = allowingEntry(0x100000, 1, {0});
     for (int firstGone = 0; firstGone < 3; ++firstGone) {
-        SecurityAttributes* holders[3] = {new SecurityAttributes(SecurityAttributes::SA_World, 0x100000),
+        SecurityAttributes* holders[3] = {new SecurityAttributes(SecurityAttributes::SA_World, 0x2001F),
                                           new SecurityAttributes(SecurityAttributes::SA_Admin, 0x1),
                                           new SecurityAttributes(SecurityAttributes::SA_Admin, 0x2)};
         *holders[1] = *holders[0];

@@ -5,6 +5,7 @@
 #ifndef OVO_TESTS_PLATFORM_SWEEP_H
 #define OVO_TESTS_PLATFORM_SWEEP_H
 
+#include "support/failure_of.h"
 #include "support/process.h"
 
 #include <ovo/ipc/named_objects.h>
@@ -23,9 +24,7 @@ namespace ovo_test {
 // Where a row runs: a name of its own, a directory of its own, and for an attack what a
 // planted link points at (a file of the victim's own, 0600, unless the row says otherwise).
 struct Scene {
-    std::string name;
-    std::string dir;
-    std::string target;
+    std::string name, dir, target;
 };
 
 // One round of an operation: "" when what must hold after it holds, else what broke.
@@ -66,11 +65,9 @@ inline std::unique_ptr<ChildProcess> repeated(const SweepRound& round, const Sce
         std::string first;
         for (unsigned i = 0; (rounds == 0 && broken == 0) || i < rounds; ++i) {
             std::string broke;
-            try {
-                broke = round(scene);
-            } catch (const std::exception& error) {
-                broke = std::string("threw: ") + error.what();
-            }
+            const std::string threw = failureOf([&] { broke = round(scene); });
+            if (!threw.empty())
+                broke = "threw: " + threw;
             if (!broke.empty() && broken++ == 0)
                 first = broke;
         }

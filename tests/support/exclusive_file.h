@@ -17,24 +17,19 @@ namespace ovo_test {
 
 class ExclusiveFile {
 public:
+#if defined(_WIN32)
     explicit ExclusiveFile(const std::string& path)
+        : handle_(CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_ALWAYS, 0, nullptr))
     {
-#if defined(_WIN32)
-        handle_ = CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL,
-                              nullptr);
+    }
+    ~ExclusiveFile() { CloseHandle(handle_); }
 #else
-        descriptor_ = ::open(path.c_str(), O_WRONLY | O_CREAT, 0644);
+    explicit ExclusiveFile(const std::string& path) : descriptor_(::open(path.c_str(), O_WRONLY | O_CREAT, 0644))
+    {
         ::flock(descriptor_, LOCK_EX);
-#endif
     }
-    ~ExclusiveFile()
-    {
-#if defined(_WIN32)
-        CloseHandle(handle_);
-#else
-        ::close(descriptor_);
+    ~ExclusiveFile() { ::close(descriptor_); }
 #endif
-    }
     ExclusiveFile(const ExclusiveFile&) = delete;
     ExclusiveFile& operator=(const ExclusiveFile&) = delete;
 

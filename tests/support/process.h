@@ -1,12 +1,12 @@
-// Other programs of the test build, run beside the test: waited for, interrupted as
-// Ctrl-C does (POSIX), or killed the hard way (SIGKILL; TerminateProcess on Windows), as a
-// crash would end them. Their standard output goes to the file `output` when one is named.
-// On POSIX a child may also be a fork (without exec) that runs a function of the test and
-// ends with its result as exit status: a real process at a hundredth of a program's cost,
-// which talks back through a pipe (tell() in the child, heard() in the parent).
+// Other programs of the test build, run beside the test: waited for, interrupted as Ctrl-C
+// does (POSIX), or killed the hard way (SIGKILL; TerminateProcess), as a crash ends them;
+// their standard output goes to the file `output` when one is named. On POSIX a child may
+// also be a fork that runs a function of the test and ends with its result as exit status
+// (a real process at a hundredth of a program's cost), talking back through a pipe.
 #ifndef OVO_TESTS_SUPPORT_PROCESS_H
 #define OVO_TESTS_SUPPORT_PROCESS_H
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <functional>
@@ -36,13 +36,12 @@ namespace ovo_test {
 inline std::string siblingFile(const std::string& name)
 {
 #if defined(_WIN32)
-    char self[MAX_PATH] = {};
-    const auto length = GetModuleFileNameA(nullptr, self, MAX_PATH);
+    char self[MAX_PATH];
+    const std::string path(self, GetModuleFileNameA(nullptr, self, MAX_PATH));
 #else
-    char self[PATH_MAX] = {};
-    const ssize_t length = readlink("/proc/self/exe", self, sizeof self - 1);
+    char self[PATH_MAX];
+    const std::string path(self, std::max<ssize_t>(readlink("/proc/self/exe", self, sizeof self), 0));
 #endif
-    const std::string path(self, length > 0 ? static_cast<std::size_t>(length) : 0);
     return path.substr(0, path.find_last_of("\\/") + 1) + name;
 }
 
