@@ -118,6 +118,7 @@ void RemovalJournal::remove(const ChannelBlock& block, std::uint32_t k)
     record_.index = k;
     record_.last = table[n - 1];
     const std::uint32_t holeBytes = table[k].size;
+    Progress start(holeBytes, 1, k + 1, 0, movingBodies);
     if (k + 1 < n) {
         // Most removals are one window that cannot be moved again: a death anywhere in it
         // costs its messages, so it is marked once, as one step.
@@ -130,10 +131,8 @@ void RemovalJournal::remove(const ChannelBlock& block, std::uint32_t k)
             close(0);
             return;
         }
+        start = start.withWindow(chooseWindow(block, start)); // the first window comes with the start, in one store
     }
-    Progress start(holeBytes, 1, k + 1, 0, movingBodies);
-    if (k + 1 < n) // the first window comes with the start, in the same store
-        start = start.withWindow(chooseWindow(block, start));
     begin(start);
     run(block, start);
     close(0);
