@@ -4,9 +4,12 @@
 // (also by `ovo objects`) and swept away.
 #include "ipc/ipc_test.h"
 
+#include <sched.h>
 #include <set>
 #include <sstream>
+#include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 
 namespace {
 
@@ -52,6 +55,12 @@ private:
     const ovo_test::TempDir session_;
 };
 
+bool runInMemory()
+{
+    struct statfs system;
+    return statfs("/run", &system) == 0 && system.f_type == 0x01021994; // tmpfs
+}
+
 // The session's directory is $XDG_RUNTIME_DIR when that is this user's alone (mode 0700), for
 // root without one /run; elsewhere (no session) the names are files of /dev/shm.
 TEST_F(UserScopeTest, LocalNamesLiveInTheSessionsDirectoryWhenItIsTheUsersAlone)
@@ -68,7 +77,9 @@ TEST_F(UserScopeTest, LocalNamesLiveInTheSessionsDirectoryWhenItIsTheUsersAlone)
     ASSERT_EQ(lchown(others.c_str(), 65534, 0) == 0 && lchown((dir.path() / "others-link").c_str(), 65534, 0) == 0,
               root);
     const std::string session = (own / "ovosystem/").string();
-    const std::string none = root ? "/run/ovosystem/" : "/dev/shm/ovosystem.u" + std::to_string(geteuid()) + ".";
+    const std::string none = !root           ? "/dev/shm/ovosystem.u" + std::to_string(geteuid()) + "."
+                             : runInMemory() ? "/run/ovosystem/"
+                                             : "/dev/shm/ovosystem.u0/";
     const std::pair<const char*, std::string> cases[] = {
         // XDG_RUNTIME_DIR in `dir` ("" for none; others' only when root could make them), where objects are
         {"own", session},
@@ -101,6 +112,61 @@ TEST_F(UserScopeTest, LocalNamesLiveInTheSessionsDirectoryWhenItIsTheUsersAlone)
     for (const ovo::ipc::ListedObject& object : ovo::ipc::namedObjects())
         seen.insert("listed " + object.name);
     EXPECT_EQ(seen, (std::set<std::string>{"%2E", "%2E.", "%2Ehidden", "listed .", "listed ..", "listed .hidden"}));
+}
+
+// Root without a session: /run where it is in memory, else a directory of root's own in
+// /dev/shm, and /run again when another user made that first. Each row runs in a process
+// with a mount namespace of its own and /run and /dev/shm fresh, /run on disk standing for
+// an overlay (a container's).
+TEST_F(UserScopeTest, RootsNamesLiveInMemoryWhereverRunLies)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "needs root";
+    struct Row {
+        bool runOnDisk;
+        const char* madeFirst; // at /dev/shm/ovosystem.u0 by another user: "", a directory, a link
+        const char* where;
+    };
+    const Row rows[] = {
+        {false, "", "/run/ovosystem/"},
+        {true, "", "/dev/shm/ovosystem.u0/"},
+        {true, "directory", "/run/ovosystem/"},
+        {true, "link", "/run/ovosystem/"},
+    };
+    const int cannotMount = 77;
+    const std::string where = name("where");
+    for (const Row& row : rows) {
+        const std::string object = row.where + where;
+        ovo_test::ChildProcess child([&] {
+            unsetenv("XDG_RUNTIME_DIR");
+            if (unshare(CLONE_NEWNS) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+                mount("shm", "/dev/shm", "tmpfs", 0, nullptr) != 0)
+                return cannotMount;
+            for (const char* layer : {"lower", "upper", "work"})
+                fs::create_directories(std::string("/dev/shm/layers/") + layer);
+            const char* layers = "lowerdir=/dev/shm/layers/lower,upperdir=/dev/shm/layers/upper,"
+                                 "workdir=/dev/shm/layers/work";
+            if (row.runOnDisk ? mount("run", "/run", "overlay", 0, layers) : mount("run", "/run", "tmpfs", 0, nullptr))
+                return cannotMount;
+            const std::string made = row.madeFirst;
+            if (made == "directory")
+                fs::create_directory("/dev/shm/ovosystem.u0");
+            if (made == "link") {
+                fs::create_directory("/dev/shm/roots");
+                fs::permissions("/dev/shm/roots", fs::perms::owner_all);
+                fs::create_directory_symlink("/dev/shm/roots", "/dev/shm/ovosystem.u0");
+            }
+            if (!made.empty() && lchown("/dev/shm/ovosystem.u0", 65534, 65534) != 0)
+                return cannotMount;
+            SystemMutex mutex(where);
+            return fs::exists(object) ? 0 : 1;
+        });
+        const int status = child.wait();
+        if (status == cannotMount)
+            GTEST_SKIP() << "cannot mount a file system in a namespace of its own";
+        EXPECT_EQ(status, 0) << object << " not made, /run on disk " << row.runOnDisk
+                             << ", made first: " << row.madeFirst;
+    }
 }
 
 TEST_F(UserScopeTest, ObjectsOfKilledHoldersAreListedAndSweptAway)

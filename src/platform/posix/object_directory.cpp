@@ -10,7 +10,9 @@
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
+#include <linux/magic.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 namespace ovo {
@@ -37,34 +39,67 @@ bool privateDirectory(int fd)
            (status.st_mode & 0777) == 0700;
 }
 
-// The login session's directory: $XDG_RUNTIME_DIR, or root's /run; -1 when there is none.
-int sessionDirectory()
+// $XDG_RUNTIME_DIR when it is this user's alone; -1 otherwise.
+int runtimeDirectory()
 {
     const char* runtime = std::getenv("XDG_RUNTIME_DIR");
-    if (runtime != nullptr && runtime[0] == '/') {
-        const int fd = openThroughOwnLinks(runtime, O_RDONLY | O_DIRECTORY);
-        if (privateDirectory(fd))
-            return fd;
-        if (fd >= 0)
-            close(fd);
-    }
-    return geteuid() == 0 ? open("/run", O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW) : -1;
-}
-
-// The session directory's "ovosystem", made when missing; -1 when it is not this user's alone.
-int ownObjectDirectory()
-{
-    const int session = sessionDirectory();
-    if (session < 0)
+    if (runtime == nullptr || runtime[0] != '/')
         return -1;
-    mkdirat(session, ownDirectory, 0700);
-    const int fd = openat(session, ownDirectory, O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW);
-    close(session);
+    const int fd = openThroughOwnLinks(runtime, O_RDONLY | O_DIRECTORY);
     if (privateDirectory(fd))
         return fd;
     if (fd >= 0)
         close(fd);
     return -1;
+}
+
+// The directory NAME in PARENT (closed here), made when missing; -1 when it is not this
+// user's alone.
+int ownSubdirectory(int parent, const char* name)
+{
+    if (parent < 0)
+        return -1;
+    mkdirat(parent, name, 0700);
+    const int fd = openat(parent, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW);
+    close(parent);
+    if (privateDirectory(fd))
+        return fd;
+    if (fd >= 0)
+        close(fd);
+    return -1;
+}
+
+bool inMemory(int fd)
+{
+    struct statfs system;
+    return fstatfs(fd, &system) == 0 && (system.f_type == TMPFS_MAGIC || system.f_type == RAMFS_MAGIC);
+}
+
+// Root without a session keeps its names in /run, where systemd mounts a file system in
+// memory. Where /run lies on a disk instead (a container's image, a machine started
+// without such an init), every object would be a file mapped from that disk, its writes
+// written back to it: there root's names live in a directory of its own in /dev/shm, and
+// in /run only when another user made that directory first.
+int rootObjectDirectory()
+{
+    const int run = open("/run", O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW);
+    if (run >= 0 && !inMemory(run)) {
+        const int own = ownSubdirectory(open(sharedDirectory, O_RDONLY | O_DIRECTORY | O_CLOEXEC), "ovosystem.u0");
+        if (own >= 0) {
+            close(run);
+            return own;
+        }
+    }
+    return ownSubdirectory(run, ownDirectory);
+}
+
+// The session's "ovosystem"; -1 when there is none of this user's alone.
+int ownObjectDirectory()
+{
+    const int runtime = runtimeDirectory();
+    if (runtime >= 0)
+        return ownSubdirectory(runtime, ownDirectory);
+    return geteuid() == 0 ? rootObjectDirectory() : -1;
 }
 
 } // namespace

@@ -4,7 +4,8 @@
 //
 // "Local\" is the login session's: the directory "ovosystem" (mode 0700) in the user's
 // runtime directory, $XDG_RUNTIME_DIR when that is a directory of this user that nobody else
-// may enter (mode 0700), or for root without one in /run; a file there is the name encoded.
+// may enter (mode 0700), or for root without one in /run (where /run is on a disk, in its
+// own /dev/shm/ovosystem.u0 instead); a file there is the name encoded.
 // Nobody but the user (and root) can make a file in it. A user without a session (cron, su,
 // a container's shell) has no such place: its names are the files "ovosystem.u<UID>.NAME" of
 // /dev/shm, where another user can make a file of a name first (which takes that name).
