@@ -73,11 +73,13 @@ void pcsc::disconnect()
 // Not tested for a connection: without one the platform's own failure is reported.
 apdu pcsc::exchange(const apdu& command)
 {
+    const unsigned char* const bytes = command.raw();
+    const unsigned int size = command.size();
     unsigned char response[responseRoom] = {};
     std::uint32_t received = responseRoom;
-    impl_->logger->traceHex(commandTitle, command.raw(), command.size());
-    const scard::Result code = scard::SCardTransmit(impl_->card, impl_->activeProtocol, command.raw(),
-                                                    command.size(), response, received);
+    impl_->logger->traceHex(commandTitle, bytes, size);
+    const scard::Result code =
+        scard::SCardTransmit(impl_->card, impl_->activeProtocol, bytes, size, response, received);
     // Whatever length a failing platform reports, the trace stays inside the buffer.
     impl_->logger->traceHex(responseTitle, response, std::min(received, responseRoom));
     if (code != 0)
