@@ -13,13 +13,16 @@ set(CPACK_DEBIAN_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
-set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 set(CPACK_STRIP_FILES ON) # the packages carry no debug information
 set(debianVersion ${PROJECT_VERSION}-1)
 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME libovosystem${PROJECT_VERSION_MAJOR})
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/cmake/debian/triggers)
+# Its shlibs file is written here: the packager would make it by running `file` on every
+# file of every package, some 600 with the API reference (half a minute).
+set(libraryTree ${PROJECT_BINARY_DIR}/debian/${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME})
+file(WRITE ${libraryTree}/DEBIAN/shlibs
+     "libovosystem ${PROJECT_VERSION_MAJOR} ${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} (>= ${PROJECT_VERSION})\n")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/cmake/debian/triggers ${libraryTree}/DEBIAN/shlibs)
 set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "${PROJECT_DESCRIPTION}: shared library
  Text and number helpers, a name-value collection, logging, a command-line
  option processor, named inter-process primitives, smart cards over PC/SC,
@@ -28,6 +31,7 @@ set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "${PROJECT_DESCRIPTION}: shared library
 set(CPACK_DEBIAN_DEV_PACKAGE_NAME libovosystem-dev)
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} (= ${debianVersion})")
+set(CPACK_DEBIAN_DEV_PACKAGE_SHLIBDEPS OFF) # no binary: headers, the link, the API reference
 set(CPACK_COMPONENT_DEV_DESCRIPTION "${PROJECT_DESCRIPTION}: development files
  The headers of the ovosystem library, its link for the linker, a CMake package
  (find_package(ovosystem) gives ovo::ovosystem) and a pkg-config file.")
@@ -40,9 +44,6 @@ endif()
 
 # dpkg-shlibdeps learns which package gives libovosystem.so.N as it does in a Debian
 # source build: from the library's package build tree (DEBIAN/shlibs beside the library).
-set(libraryTree ${PROJECT_BINARY_DIR}/debian/${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME})
-file(WRITE ${libraryTree}/DEBIAN/shlibs
-     "libovosystem ${PROJECT_VERSION_MAJOR} ${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} (>= ${PROJECT_VERSION})\n")
 file(MAKE_DIRECTORY ${libraryTree}${CMAKE_INSTALL_FULL_LIBDIR})
 file(CREATE_LINK ${PROJECT_BINARY_DIR}/src/libovosystem.so.${PROJECT_VERSION_MAJOR}
      ${libraryTree}${CMAKE_INSTALL_FULL_LIBDIR}/libovosystem.so.${PROJECT_VERSION_MAJOR} SYMBOLIC)
