@@ -27,7 +27,9 @@ cmake -DPREFIX="$work/root/usr" -DWORK_DIR="$work" -DCLIENT_DIR="$here/client" -
 
 libDir=$(dirname "$(find "$work/root" -name ovosystem.pc)")/..
 export LD_LIBRARY_PATH=$libDir
-cmake -S "$ovoRoot/examples" -B "$work/examples" -DCMAKE_PREFIX_PATH="$work/root/usr" >"$work/examples.log"
+launcher=() # the test command's compiler cache, where there is one
+! command -v ccache >/dev/null || launcher=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+cmake -S "$ovoRoot/examples" -B "$work/examples" -DCMAKE_PREFIX_PATH="$work/root/usr" "${launcher[@]}" >"$work/examples.log"
 cmake --build "$work/examples" --parallel "$(nproc)" >>"$work/examples.log"
 bin=$work/examples
 # expect PATTERN COMMAND...: runs the command, shows what it printed, and checks for a line.
