@@ -116,46 +116,38 @@ TEST_F(UserScopeTest, LocalNamesLiveInTheSessionsDirectoryWhenItIsTheUsersAlone)
 
 // Root without a session: /run where it is in memory, else a directory of root's own in
 // /dev/shm, and /run again when another user made that first. Each row runs in a process
-// with a mount namespace of its own and /run and /dev/shm fresh, /run on disk standing for
-// an overlay (a container's).
+// with a mount namespace of its own, /dev/shm fresh and /run a tmpfs or an overlay (as a
+// container's is, on a disk).
 TEST_F(UserScopeTest, RootsNamesLiveInMemoryWhereverRunLies)
 {
     if (geteuid() != 0)
         GTEST_SKIP() << "needs root";
-    struct Row {
+    const struct {
         bool runOnDisk;
-        const char* madeFirst; // at /dev/shm/ovosystem.u0 by another user: "", a directory, a link
-        const char* where;
-    };
-    const Row rows[] = {
-        {false, "", "/run/ovosystem/"},
-        {true, "", "/dev/shm/ovosystem.u0/"},
-        {true, "directory", "/run/ovosystem/"},
-        {true, "link", "/run/ovosystem/"},
-    };
+        const char *madeFirst, *where; // madeFirst: what another user made at /dev/shm/ovosystem.u0
+    } rows[] = {{false, "", "/run/ovosystem/"},
+                {true, "", "/dev/shm/ovosystem.u0/"},
+                {true, "directory", "/run/ovosystem/"},
+                {true, "link", "/run/ovosystem/"}};
     const int cannotMount = 77;
     const std::string where = name("where");
-    for (const Row& row : rows) {
-        const std::string object = row.where + where;
+    for (const auto& row : rows) {
+        const std::string object = row.where + where, made = row.madeFirst;
         ovo_test::ChildProcess child([&] {
             unsetenv("XDG_RUNTIME_DIR");
             if (unshare(CLONE_NEWNS) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
                 mount("shm", "/dev/shm", "tmpfs", 0, nullptr) != 0)
                 return cannotMount;
-            for (const char* layer : {"lower", "upper", "work"})
-                fs::create_directories(std::string("/dev/shm/layers/") + layer);
-            const char* layers = "lowerdir=/dev/shm/layers/lower,upperdir=/dev/shm/layers/upper,"
-                                 "workdir=/dev/shm/layers/work";
-            if (row.runOnDisk ? mount("run", "/run", "overlay", 0, layers) : mount("run", "/run", "tmpfs", 0, nullptr))
+            for (const char* dir : {"/dev/shm/upper", "/dev/shm/work", "/dev/shm/roots"})
+                mkdir(dir, 0700);
+            if ((row.runOnDisk
+                     ? mount("run", "/run", "overlay", 0, "lowerdir=/run,upperdir=/dev/shm/upper,workdir=/dev/shm/work")
+                     : mount("run", "/run", "tmpfs", 0, nullptr)) != 0)
                 return cannotMount;
-            const std::string made = row.madeFirst;
             if (made == "directory")
-                fs::create_directory("/dev/shm/ovosystem.u0");
-            if (made == "link") {
-                fs::create_directory("/dev/shm/roots");
-                fs::permissions("/dev/shm/roots", fs::perms::owner_all);
-                fs::create_directory_symlink("/dev/shm/roots", "/dev/shm/ovosystem.u0");
-            }
+                mkdir("/dev/shm/ovosystem.u0", 0700);
+            if (made == "link")
+                symlink("/dev/shm/roots", "/dev/shm/ovosystem.u0");
             if (!made.empty() && lchown("/dev/shm/ovosystem.u0", 65534, 65534) != 0)
                 return cannotMount;
             SystemMutex mutex(where);
