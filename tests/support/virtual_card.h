@@ -1,6 +1,7 @@
 // The virtual ISO 7816 card of the smart-card tests: a vicc process in the virtual reader
 // of a PC/SC service (pcscd with the virtual reader driver, started by scripts/test.sh).
-// Needs OVO_VICC_SHIM, the directory of the Crypto module that vicc needs on Debian 12.
+// Needs the library ovo_vicc_shim: the directory of the Crypto module that vicc needs on
+// Debian 12.
 #ifndef OVO_TESTS_SUPPORT_VIRTUAL_CARD_H
 #define OVO_TESTS_SUPPORT_VIRTUAL_CARD_H
 
@@ -16,6 +17,8 @@
 #include <vector>
 
 namespace ovo_test {
+
+extern const char* const viccShim;
 
 inline const char* const readerName = "Virtual PCD 00 00";
 inline const std::vector<unsigned char> virtualCardAtr = {0x3B, 0x95, 0x13, 0x81, 0x01, 0x80,
@@ -50,7 +53,7 @@ public:
         waitForCard(false, std::chrono::seconds(10));
         pid_ = ::fork();
         if (pid_ == 0) {
-            const std::string path = std::string(OVO_VICC_SHIM) + ":/usr/lib/python3/site-packages/virtualsmartcard";
+            const std::string path = std::string(viccShim) + ":/usr/lib/python3/site-packages/virtualsmartcard";
             ::setenv("PYTHONPATH", path.c_str(), 1);
             ::execl("/usr/bin/python3", "python3", "/usr/bin/vicc", "-t", "iso7816", static_cast<char*>(nullptr));
             ::_exit(127);
