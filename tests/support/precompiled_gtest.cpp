@@ -1,0 +1,1 @@
+// The unit that GoogleTest's precompiled header is made with (see tests/CMakeLists.txt).
