@@ -83,10 +83,6 @@ check() {
 # Every build compiles through ccache: a second run on the machine rebuilds from its cache.
 # Paths under the sources are hashed relative to them, so clones in other places share it.
 export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1
-# The test programs include GoogleTest's header precompiled, which ccache takes only with
-# these sloppinesses (no source uses __DATE__ or __TIME__); the inode cache hashes the
-# header's 86 MB once a build, not once for each program.
-export CCACHE_SLOPPINESS=pch_defines,time_macros CCACHE_INODECACHE=true
 launchers=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
 # A warm build is mostly links (some seventy programs each): LLVM's linker does them in
 # about half the time, and a tenth of the time of MinGW-w64's ld (whose gcc ignores
