@@ -4,6 +4,7 @@
 // (also by `ovo objects`) and swept away.
 #include "ipc/ipc_test.h"
 
+#include <linux/magic.h>
 #include <sched.h>
 #include <set>
 #include <sstream>
@@ -58,11 +59,12 @@ private:
 bool runInMemory()
 {
     struct statfs system;
-    return statfs("/run", &system) == 0 && system.f_type == 0x01021994; // tmpfs
+    return statfs("/run", &system) == 0 && (system.f_type == TMPFS_MAGIC || system.f_type == RAMFS_MAGIC);
 }
 
 // The session's directory is $XDG_RUNTIME_DIR when that is this user's alone (mode 0700), for
-// root without one /run; elsewhere (no session) the names are files of /dev/shm.
+// root without one /run (or, with /run on a disk, root's own directory in /dev/shm);
+// elsewhere (no session) the names are files of /dev/shm.
 TEST_F(UserScopeTest, LocalNamesLiveInTheSessionsDirectoryWhenItIsTheUsersAlone)
 {
     const bool root = geteuid() == 0;
