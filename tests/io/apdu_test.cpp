@@ -63,8 +63,8 @@ TEST(Apdu, CopiesOwnTheirBytesAndMovesEmptyTheSource)
     EXPECT_EQ(copy.raw(), nullptr) << "an empty source empties the target";
     copy = std::move(moved);
     EXPECT_EQ(moved.size(), 0u); // NOLINT
-    const apdu& alias = copy;
+    apdu& alias = copy;
     copy = alias;
-    copy = std::move(copy);
+    copy = std::move(alias);
     EXPECT_EQ(bytesOf(copy), Bytes(bytes, bytes + 5));
 }

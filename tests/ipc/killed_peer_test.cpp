@@ -5,6 +5,7 @@
 // or anyone killed.
 #include "ipc/ipc_test.h"
 #include "ipc/removal_journal.h"
+#include "support/sanitizers.h"
 
 #include <iostream>
 #include <map>
@@ -25,7 +26,7 @@ struct KilledPeerRow {
 
 void PrintTo(const KilledPeerRow& row, std::ostream* out) { *out << row.name; }
 
-#if defined(_WIN32) || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#if defined(_WIN32) || defined(OVO_TEST_SANITIZED)
 const unsigned kills = 25;
 #else
 const unsigned kills = 100;

@@ -20,7 +20,8 @@ int main()
                                     {"scratch/logs/sub", "", "logs/sub"}, {"scratch\\logs\\sub", "", "logs/sub"},
                                     {"scratch/logs/", "", "logs"}, {"scratch/logs", "app", "logs"},
                                     {"scratch/logs", "a/b", "logs"}};
-    for (const auto& [directory, suffix, made] : cases)
+    for (const auto& row : cases) {
+        const char *directory = row[0], *suffix = row[1], *made = row[2]; // a lambda takes no binding
         parity::show(std::string("directory '") + directory + "', suffix '" + suffix + "'", [&] {
             fs::remove_all("scratch");
             fs::create_directories(std::string("scratch/") + made);
@@ -33,4 +34,5 @@ int main()
                     seen += " " + entry.path().generic_string() + " (" + std::to_string(entry.file_size()) + ")";
             return std::regex_replace(seen, std::regex("\\d{4}-\\d\\d-\\d\\d"), "DATE");
         });
+    }
 }

@@ -7,6 +7,7 @@
 
 #include "support/failure_of.h"
 #include "support/process.h"
+#include "support/sanitizers.h"
 
 #include <ovo/ipc/named_objects.h>
 #include <ovo/ipc/shared_memory.h>
@@ -33,7 +34,7 @@ using SweepRound = std::function<std::string(const Scene&)>;
 // The rounds of a row: a tenth under sanitizers, whose rounds cost ten times as much.
 inline unsigned sweepRounds(unsigned rounds)
 {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef OVO_TEST_SANITIZED
     return rounds / 10;
 #else
     return rounds;

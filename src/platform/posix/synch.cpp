@@ -89,8 +89,11 @@ private:
 
 // The thread sanitizer's timedlock does not hand an abandoned mutex over to its new owner
 // (it reports the owner's unlock as wrong): its builds wait by trying each millisecond.
+// GCC names the sanitizer by a macro, clang by a feature.
 #if defined(__SANITIZE_THREAD__)
 const bool pollingWaits = true;
+#elif defined(__has_feature)
+const bool pollingWaits = __has_feature(thread_sanitizer);
 #else
 const bool pollingWaits = false;
 #endif
