@@ -17,8 +17,6 @@ using std::chrono::milliseconds;
 
 namespace {
 
-const unsigned int maxDword = 0xFFFFFFFFu;
-
 class PtyPair : public testing::Test {
 protected:
     void SetUp() override { logger.setLevel(1); }

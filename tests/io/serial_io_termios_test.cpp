@@ -25,9 +25,7 @@ using std::chrono::milliseconds;
 
 namespace {
 
-const unsigned int maxDword = 0xFFFFFFFFu;
-
-struct PtyPair : testing::Test {
+struct TermiosPair : testing::Test {
     SerialPeer peer;
 };
 
@@ -57,7 +55,7 @@ TEST(SerialIO, WhatIsNoSerialDeviceIsNotOpened)
 
 // A write into full queues waits up to its total, for ever without one or past the clock's range; the device drains
 // after 300 ms.
-TEST_F(PtyPair, WriteTimeOuts)
+TEST_F(TermiosPair, WriteTimeOuts)
 {
     const struct {
         SerialTimeouts timeouts;
@@ -92,7 +90,7 @@ TEST_F(PtyPair, WriteTimeOuts)
 }
 
 // The kernel forces 8 data bits and no parity enable on a pseudo-terminal: the scripted suite checks those.
-TEST_F(PtyPair, ConfigureReachesTheLine)
+TEST_F(TermiosPair, ConfigureReachesTheLine)
 {
     SerialIO port(peer.config({0, 0, 0, 0, 0}));
     const struct {

@@ -10,6 +10,9 @@
 #include <cstddef>
 #include <string>
 
+// The largest DWORD, which the time-outs give meanings of their own.
+const unsigned int maxDword = 0xFFFFFFFFu;
+
 class SerialPeer {
 public:
     SerialPeer(); // a failure of the test when no line can be made

@@ -18,7 +18,7 @@ using ovo::ipc::MessageChannel;
 using ovo::ipc::RemovalRecord;
 using ovo::ipc::SharedMemory;
 
-const unsigned int channelSize = 4113 + 64 * 1024;
+const unsigned int cutChannelSize = 4113 + 64 * 1024;
 
 std::uint32_t idOf(std::size_t i) { return static_cast<std::uint32_t>(1 + i % 3); }
 
@@ -33,7 +33,7 @@ struct CutRow {
 
 void PrintTo(const CutRow& row, std::ostream* out) { *out << row.name; }
 
-const CutRow rows[] = {
+const CutRow cutRows[] = {
     {"small_bodies_in_one_move", std::vector<std::uint32_t>(20, 40), 0, 20},
     {"bodies_that_fit_the_hole", {3000, 1000, 1000, 500}, 0, 1},
     {"windows_that_fit_the_hole", {16400, 6000, 6000, 6000}, 0, 1},
@@ -47,7 +47,7 @@ const CutRow rows[] = {
 class Cut {
 public:
     Cut(const std::string& name, const CutRow& row)
-        : row_(row), channel_(name, channelSize), data_(name + "_data", channelSize),
+        : row_(row), channel_(name, cutChannelSize), data_(name + "_data", cutChannelSize),
           journal_(name + "_journal", sizeof(RemovalRecord))
     {
     }
@@ -103,16 +103,16 @@ TEST_P(RemovalCutTest, EveryStateAKillLeavesIsPutRight)
 {
     const CutRow& row = GetParam();
     const std::string queue = name(row.name); // before the fork: the name holds this process's id
-    MessageChannel channel(queue, channelSize);
+    MessageChannel channel(queue, cutChannelSize);
     std::vector<unsigned char> body(65536);
     for (std::uint32_t i = 0; i < row.sizes.size(); ++i) {
         ovo_test::writeBody(body.data(), row.sizes[i], {0, i});
         ASSERT_TRUE(channel.send(idOf(i), body.data(), row.sizes[i]));
     }
-    SharedMemory data(queue + "_data", channelSize), journal(queue + "_journal", sizeof(RemovalRecord));
+    SharedMemory data(queue + "_data", cutChannelSize), journal(queue + "_journal", sizeof(RemovalRecord));
     const pid_t child = fork();
     if (child == 0) { // the receiver, stepped
-        MessageChannel receiver(queue, channelSize);
+        MessageChannel receiver(queue, cutChannelSize);
         ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
         raise(SIGSTOP);
         _exit(receiver.recv(row.take, body.data(), row.sizes[row.taken()]) ? 0 : 1);
@@ -144,7 +144,7 @@ TEST_P(RemovalCutTest, EveryStateAKillLeavesIsPutRight)
     std::cout << states << " states, " << cut.inside << " inside the removal\n";
 }
 
-INSTANTIATE_TEST_SUITE_P(Rows, RemovalCutTest, ::testing::ValuesIn(rows),
+INSTANTIATE_TEST_SUITE_P(Rows, RemovalCutTest, ::testing::ValuesIn(cutRows),
                          [](const auto& row) { return row.param.name; });
 
 } // namespace
