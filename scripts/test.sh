@@ -101,6 +101,47 @@ configureAndBuild() { # suite, cmake arguments...
     cmake --build "$dir" -j "$jobs"
 }
 
+# The trees build one after another in a background job of the idle scheduling class, ahead of
+# the suites: the kernel gives it only what the running suite's tests leave of the cores, so
+# the next tree compiles while those tests wait on processes, services and Wine, and no test
+# runs slower for it. A suite waits for its tree and shows the build's output; a tree that no
+# requested suite builds (parity's, say, when run alone) builds when asked for.
+builder=
+aheadOf=()
+buildAhead() { # suite...
+    aheadOf=()
+    local suite
+    for suite; do
+        declare -F "build_$suite" >/dev/null && aheadOf+=("$suite") && rm -f "$builds/$suite.built"
+    done
+    [ ${#aheadOf[@]} -gt 0 ] || return 0
+    set -m # its own process group, which stopBuilder ends with everything it started
+    (
+        chrt --idle -p 0 $BASHPID >/dev/null
+        for suite in "${aheadOf[@]}"; do
+            "build_$suite" >"$builds/$suite.build.log" 2>&1
+            echo $? >"$builds/$suite.built"
+        done
+    ) &
+    builder=$!
+    set +m
+}
+stopBuilder() { [ -z "$builder" ] || kill -- -"$builder" 2>/dev/null; }
+isAhead() { [[ " ${aheadOf[*]} " == *" $1 "* ]]; }
+
+built() { # suite: its tree, from the builder or built now
+    local suite=$1
+    if ! isAhead "$suite"; then
+        "build_$suite"
+        return
+    fi
+    while [ ! -e "$builds/$suite.built" ] && kill -0 "$builder" 2>/dev/null; do
+        sleep 0.5
+    done
+    cat "$builds/$suite.build.log"
+    [ "$(cat "$builds/$suite.built" 2>/dev/null)" = 0 ]
+}
+
 runTests() { # suite (the Python package's tests have a suite of their own)
     local dir=$builds/$1
     (cd "$dir" && ctest -j "$jobs" --output-on-failure --timeout 600 -LE python) 2>&1 | tee "$dir.ctest.log"
@@ -113,9 +154,8 @@ runTests() { # suite (the Python package's tests have a suite of their own)
 linuxOptions=(-DCMAKE_BUILD_TYPE=RelWithDebInfo -DOVO_BUILD_BENCHMARKS=ON -DCMAKE_INSTALL_PREFIX=/usr
               -DOVO_INSTALL_REFERENCE=ON)
 
-suite_linux() {
-    configureAndBuild linux "${linuxOptions[@]}" && runTests linux
-}
+build_linux() { configureAndBuild linux "${linuxOptions[@]}"; }
+suite_linux() { built linux && runTests linux; }
 
 suite_docs() {
     local dir=$builds/docs
@@ -134,21 +174,25 @@ suite_docs() {
 # a fifth less under ThreadSanitizer.
 clang=(-DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++)
 
+build_asan() {
+    configureAndBuild asan "${clang[@]}" -DCMAKE_BUILD_TYPE=Debug -DOVO_SANITIZE=address,undefined -DOVO_BUILD_TOOLS=OFF
+}
 suite_asan() {
     export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
-    configureAndBuild asan "${clang[@]}" -DCMAKE_BUILD_TYPE=Debug -DOVO_SANITIZE=address,undefined -DOVO_BUILD_TOOLS=OFF &&
-        runTests asan
+    built asan && runTests asan
 }
 
+build_tsan() { configureAndBuild tsan "${clang[@]}" -DCMAKE_BUILD_TYPE=Debug -DOVO_SANITIZE=thread -DOVO_BUILD_TOOLS=OFF; }
 suite_tsan() {
     export TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1
-    configureAndBuild tsan "${clang[@]}" -DCMAKE_BUILD_TYPE=Debug -DOVO_SANITIZE=thread -DOVO_BUILD_TOOLS=OFF &&
-        runTests tsan
+    built tsan && runTests tsan
 }
 
+build_win64() {
+    configureAndBuild win64 -DCMAKE_TOOLCHAIN_FILE="$root/cmake/toolchains/mingw-w64-x86_64.cmake" "${mingwLinker[@]}"
+}
 suite_win64() {
-    configureAndBuild win64 -DCMAKE_TOOLCHAIN_FILE="$root/cmake/toolchains/mingw-w64-x86_64.cmake" "${mingwLinker[@]}" ||
-        return 1
+    built win64 || return 1
     runTests win64
     local status=$?
     check "$root/tests/tools/wine_tool_check.sh" "$builds/win64" || status=1
@@ -165,14 +209,19 @@ suite_parity() {
     return $status
 }
 
+build_win32() {
+    configureAndBuild win32 -DCMAKE_TOOLCHAIN_FILE="$root/cmake/toolchains/mingw-w64-i686.cmake" "${mingwLinker[@]}"
+}
 suite_win32() {
-    configureAndBuild win32 -DCMAKE_TOOLCHAIN_FILE="$root/cmake/toolchains/mingw-w64-i686.cmake" "${mingwLinker[@]}" &&
-        (cd "$builds/win32" && cpack -G ZIP >cpack.log 2>&1 || { cat cpack.log; exit 1; }) &&
+    built win32 && (cd "$builds/win32" && cpack -G ZIP >cpack.log 2>&1 || { cat cpack.log; exit 1; }) &&
         ls "$builds"/win32/packages/*.zip
 }
 
 # Targets of the linux build alone, for the suites that only need them.
 linuxTargets() { # target...
+    if isAhead linux; then
+        built linux >/dev/null || return 1
+    fi
     [ -f "$builds/linux/build.ninja" ] ||
         cmake -S "$root" -B "$builds/linux" -G Ninja "${launchers[@]}" "${linuxOptions[@]}" >"$builds/linux.configure.log" ||
         return 1
@@ -220,9 +269,12 @@ suite_package() {
     check "$root/tests/install/check_debian_packages.sh" "$dir/packages" "$builds/package"
 }
 
+build_fuzz() {
+    configureAndBuild fuzz "${clang[@]}" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DOVO_BUILD_FUZZERS=ON -DOVO_BUILD_TESTS=OFF \
+        -DOVO_BUILD_TOOLS=OFF
+}
 suite_fuzz() {
-    CC=clang CXX=clang++ configureAndBuild fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo -DOVO_BUILD_FUZZERS=ON \
-        -DOVO_BUILD_TESTS=OFF -DOVO_BUILD_TOOLS=OFF || return 1
+    built fuzz || return 1
     # The targets run side by side, each for its time.
     local status=0 fuzzer name pids=() names=()
     for fuzzer in "$builds"/fuzz/bin/*_fuzz; do
@@ -285,10 +337,11 @@ startPcscd() {
     ovoStartPcscd "$builds/pcscd.log" ||
         echo "pcscd shows no virtual reader (see $builds/pcscd.log): the card cases $without"
 }
-trap ovoStopPcscd EXIT
+trap 'stopBuilder; ovoStopPcscd' EXIT
 
 ovoInstallMissing "${packages[@]}" || { echo "could not install the packages the suites need"; exit 1; }
 mkdir -p "$builds"
+buildAhead "${suites[@]}"
 startPcscd
 start=$SECONDS
 for suite in "${suites[@]}"; do
