@@ -101,21 +101,20 @@ TEST_F(ScriptedRegistryTest, ValuesGoWithTheirTypeAndSizeAndReadsTakeOnlyTheirTy
                      "RegSetValueExA(4B01, number, 4, [04 03 02 01 ])", "RegQueryValueExA(4B01, number, 4)",
                      "RegQueryValueExA(4B01, word, 256)", "RegDeleteValueA(4B01, word)", "RegFlushKey(4B01)"}));
 
-    // Text comes only from text types, numbers from at most four bytes.
-    registryScript().values = {{"number", {4, std::string("\x07\0\0\0", 4)}},
-                               {"short", {3, "ab"}},
+    // Text comes only from text types, numbers from at most four bytes. (A number read as
+    // text and a missing value: the parity scenario, on the platform's registry.)
+    registryScript().values = {{"short", {3, "ab"}},
                                {"expand", {2, "%PATH%"}}, // without its NUL, and not expanded
                                {"empty", {1, ""}},        // written with size 0: empty, not missing
                                {"long", {1, std::string(300, 'L') + '\0'}}};
     registry reader(HKEY_CURRENT_USER);
-    EXPECT_EQ(reader.queryDWORDValue("number", 9), 9u) << "no key open";
+    EXPECT_EQ(reader.queryDWORDValue("short", 9), 9u) << "no key open";
     reader.open("K", keyRead);
     const struct {
         const char* name;
         std::string text;
         unsigned long number;
-    } cases[] = {{"number", "d", 7}, {"short", "d", 0x6261}, {"expand", "%PATH%", 9},
-                 {"empty", "", 0},   {"missing", "d", 9},    {"long", std::string(300, 'L'), 9}};
+    } cases[] = {{"short", "d", 0x6261}, {"expand", "%PATH%", 9}, {"empty", "", 0}, {"long", std::string(300, 'L'), 9}};
     for (const auto& c : cases) {
         EXPECT_EQ(reader.queryStringValue(c.name, "d"), c.text) << c.name;
         EXPECT_EQ(reader.queryDWORDValue(c.name, 9), c.number) << c.name;
