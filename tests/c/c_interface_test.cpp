@@ -1,10 +1,12 @@
 // What the C interface promises every caller, careless or hostile: a null handle or buffer
-// is refused with the function's name, and each thread keeps its own failure text. (The
-// Python package's tests cover the rest, the card monitor's stop and time-out among it.)
+// is refused with the function's name, each thread keeps its own failure text, and the card
+// monitor tells a stop from a time-out, also under the sanitizers, which the Python
+// package's tests (they cover the rest) do not run under.
 #include <ovo/c/ovosystem.h>
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <functional>
 #include <string>
 #include <thread>
@@ -57,4 +59,23 @@ TEST(CInterface, EachThreadKeepsTheTextOfItsOwnLastFailure)
     ASSERT_EQ(ovo_channel_open("c-interface-a", 8192, &channel), OVO_OK);
     ovo_channel_close(channel);
     EXPECT_EQ(ovo_last_error(), mine); // a success leaves it
+}
+
+TEST(CInterface, TheCardMonitorTellsAStopFromATimeOut)
+{
+    ovo_card_monitor* monitor = nullptr;
+    if (ovo_card_monitor_open(&monitor) != OVO_OK)
+        GTEST_SKIP() << "needs a PC/SC service: " << ovo_last_error();
+    ovo_card_event event;
+    while (ovo_card_monitor_next(monitor, 500, &event) == OVO_OK) // what is there
+        ;
+    EXPECT_EQ(ovo_card_monitor_next(monitor, 0, &event), OVO_TIMEOUT);
+    std::thread stopper([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        ovo_card_monitor_stop(monitor);
+    });
+    EXPECT_EQ(ovo_card_monitor_next(monitor, 60000, &event), OVO_STOPPED);
+    stopper.join();
+    EXPECT_EQ(ovo_card_monitor_next(monitor, 60000, &event), OVO_STOPPED);
+    ovo_card_monitor_close(monitor);
 }
