@@ -89,11 +89,14 @@ private:
 
 // The thread sanitizer's timedlock does not hand an abandoned mutex over to its new owner
 // (it reports the owner's unlock as wrong): its builds wait by trying each millisecond.
-// GCC names the sanitizer by a macro, clang by a feature.
-#if defined(__SANITIZE_THREAD__)
+// GCC names the sanitizer by a macro, clang by a feature (which only a directive may ask).
+#if defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+#define OVO_THREAD_SANITIZER
+#endif
+#endif
+#if defined(__SANITIZE_THREAD__) || defined(OVO_THREAD_SANITIZER)
 const bool pollingWaits = true;
-#elif defined(__has_feature)
-const bool pollingWaits = __has_feature(thread_sanitizer);
 #else
 const bool pollingWaits = false;
 #endif
