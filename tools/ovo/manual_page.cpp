@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <fstream>
 #include <iostream>
-#include <regex>
 #include <sstream>
 
 namespace {
@@ -76,18 +75,31 @@ HelpText parse(const std::string& help)
     return parts;
 }
 
+// "  ITEM  meaning": the item (up to the line's first gap of two spaces or more) and its
+// meaning; an empty meaning for any other line.
+std::string itemMeaning(const std::string& line, std::string& item)
+{
+    if (line.rfind("  ", 0) != 0 || line.size() < 3 || line[2] == ' ')
+        return "";
+    const std::size_t gap = line.find("  ", 3);
+    const std::size_t meaning = gap == std::string::npos ? gap : line.find_first_not_of(' ', gap);
+    if (meaning == std::string::npos)
+        return "";
+    item = line.substr(2, gap - 2);
+    return line.substr(meaning);
+}
+
 // Prose as paragraphs, "  ITEM  meaning" lines as tagged paragraphs, a deeper indent
 // going on with the meaning; options with their values in italics.
 std::string body(const std::vector<std::string>& text, bool options)
 {
-    static const std::regex item("  (\\S.*?)  +(\\S.*)");
     std::string page;
     bool inItems = false;
     for (const std::string& line : text) {
-        std::smatch match;
-        if (std::regex_match(line, match, item)) {
-            page += ".TP\n" + (options ? optionTerm(match[1]) : "\\fB" + roff(match[1]) + "\\fR") + "\n" +
-                    roff(match[2]) + "\n";
+        std::string item;
+        const std::string meaning = itemMeaning(line, item);
+        if (!meaning.empty()) {
+            page += ".TP\n" + (options ? optionTerm(item) : "\\fB" + roff(item) + "\\fR") + "\n" + roff(meaning) + "\n";
             inItems = true;
         } else if (line.rfind("   ", 0) == 0 && inItems) {
             page += roff(line.substr(line.find_first_not_of(' '))) + "\n";
@@ -131,9 +143,10 @@ int main(int argc, char** argv)
     std::vector<std::string> names, prose;
     const HelpText general = parse(printed({"--help"}));
     for (const std::string& line : general.text) {
-        std::smatch match;
-        if (std::regex_match(line, match, std::regex("  ([a-z]+) +\\S.*")))
-            names.push_back(match[1]);
+        std::string name;
+        if (!itemMeaning(line, name).empty() &&
+            name.find_first_not_of("abcdefghijklmnopqrstuvwxyz") == std::string::npos)
+            names.push_back(name);
         else if (!line.empty() && line != "subcommands:")
             prose.push_back(line);
     }
