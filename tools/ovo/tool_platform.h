@@ -56,7 +56,7 @@ public:
 
 private:
     unsigned long id_ = 0;
-    void* handle_ = nullptr; // Windows only
+    [[maybe_unused]] void* handle_ = nullptr; // Windows only
     bool waited_ = false;
     int status_ = -1;
 };
