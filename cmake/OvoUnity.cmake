@@ -1,9 +1,9 @@
-# ovo_unity(TARGET): with OVO_UNITY_BUILD, the target's C++ sources compile as one unit, which
-# reads the standard and system headers once instead of once per source (the library's
-# portable code: 35 s of CPU as 41 units, 10 s as one). The unit is a file of includes by
-# names relative to the target's directory, the same text in every clone for the compiler
-# cache (CMake's own unity files name each source by its absolute path). A source marked
-# SKIP_UNITY_BUILD_INCLUSION keeps a unit of its own.
+# ovo_unity(TARGET): with OVO_UNITY_BUILD (the default), the target's C++ sources compile as
+# one unit, which reads the standard and system headers once instead of once per source (the
+# library's portable code: 35 s of CPU as 41 units, 10 s as one). The unit is a file of
+# includes by names relative to the target's directory, the same text in every clone for the
+# compiler cache (CMake's own unity files name each source by its absolute path). A source
+# marked SKIP_UNITY_BUILD_INCLUSION keeps a unit of its own.
 function(ovo_unity target)
     if(NOT OVO_UNITY_BUILD)
         return()

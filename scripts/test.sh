@@ -150,9 +150,11 @@ runTests() { # suite (the Python package's tests have a suite of their own)
     return "$status"
 }
 
-# The linux build is also the one packaged: installed under /usr, with the API reference.
+# The linux build is also the one packaged: installed under /usr, with the API reference. It
+# compiles each source of the library and the tool on its own, where the other trees take
+# them as a few units: that proves every source includes what it uses.
 linuxOptions=(-DCMAKE_BUILD_TYPE=RelWithDebInfo -DOVO_BUILD_BENCHMARKS=ON -DCMAKE_INSTALL_PREFIX=/usr
-              -DOVO_INSTALL_REFERENCE=ON)
+              -DOVO_INSTALL_REFERENCE=ON -DOVO_UNITY_BUILD=OFF)
 
 build_linux() { configureAndBuild linux "${linuxOptions[@]}"; }
 suite_linux() { built linux && runTests linux; }
@@ -173,27 +175,23 @@ suite_docs() {
 # The sanitizer builds compile with clang: a third less time than GCC's under AddressSanitizer,
 # a fifth less under ThreadSanitizer.
 clang=(-DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++)
-# The sanitizer, fuzz and 64-bit Windows trees compile the library and the tool as a few units
-# (a third of the CPU). The linux and 32-bit Windows trees compile each source on its own, as a
-# default build does: that proves every source includes what it uses.
-unity=-DOVO_UNITY_BUILD=ON
 
 build_asan() {
-    configureAndBuild asan "${clang[@]}" $unity -DCMAKE_BUILD_TYPE=Debug -DOVO_SANITIZE=address,undefined -DOVO_BUILD_TOOLS=OFF
+    configureAndBuild asan "${clang[@]}" -DCMAKE_BUILD_TYPE=Debug -DOVO_SANITIZE=address,undefined -DOVO_BUILD_TOOLS=OFF
 }
 suite_asan() {
     export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
     built asan && runTests asan
 }
 
-build_tsan() { configureAndBuild tsan "${clang[@]}" $unity -DCMAKE_BUILD_TYPE=Debug -DOVO_SANITIZE=thread -DOVO_BUILD_TOOLS=OFF; }
+build_tsan() { configureAndBuild tsan "${clang[@]}" -DCMAKE_BUILD_TYPE=Debug -DOVO_SANITIZE=thread -DOVO_BUILD_TOOLS=OFF; }
 suite_tsan() {
     export TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1
     built tsan && runTests tsan
 }
 
 build_win64() {
-    configureAndBuild win64 -DCMAKE_TOOLCHAIN_FILE="$root/cmake/toolchains/mingw-w64-x86_64.cmake" "${mingwLinker[@]}" $unity
+    configureAndBuild win64 -DCMAKE_TOOLCHAIN_FILE="$root/cmake/toolchains/mingw-w64-x86_64.cmake" "${mingwLinker[@]}"
 }
 suite_win64() {
     built win64 || return 1
@@ -274,7 +272,7 @@ suite_package() {
 }
 
 build_fuzz() {
-    configureAndBuild fuzz "${clang[@]}" $unity -DCMAKE_BUILD_TYPE=RelWithDebInfo -DOVO_BUILD_FUZZERS=ON -DOVO_BUILD_TESTS=OFF \
+    configureAndBuild fuzz "${clang[@]}" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DOVO_BUILD_FUZZERS=ON -DOVO_BUILD_TESTS=OFF \
         -DOVO_BUILD_TOOLS=OFF
 }
 suite_fuzz() {
