@@ -4,6 +4,14 @@
 #           the benchmarks built
 #   docs    the API reference by Doxygen, where any warning (an undocumented public name
 #           among them) fails the suite
+#   python  the Python package, installed by pip into a scratch environment, its pytest
+#           suite against the linux build's library (the virtual card, a pseudo-terminal,
+#           processes on a channel)
+#   abi     the exported interface of the linux build's library against the baseline in
+#           abi/ (scripts/abi.sh): no incompatible change without a new SONAME
+#   package the Debian packages of the linux build (lintian, unpacked into a scratch root, the
+#           API reference in the -dev package, a client and every example built against it
+#           and run)
 #   asan    the test suite under AddressSanitizer and UndefinedBehaviorSanitizer
 #   tsan    the test suite under ThreadSanitizer
 #   win64   the Windows 64-bit build, its test suite under Wine (its ZIP package among
@@ -14,14 +22,6 @@
 #           differences kept); the Wine outputs refresh their record in tests/parity/windows/,
 #           against which the linux suite compares the native outputs
 #   win32   the Windows 32-bit build, compiled and linked, and its ZIP package
-#   python  the Python package, installed by pip into a scratch environment, its pytest
-#           suite against the linux build's library (the virtual card, a pseudo-terminal,
-#           processes on a channel)
-#   abi     the exported interface of the linux build's library against the baseline in
-#           abi/ (scripts/abi.sh): no incompatible change without a new SONAME
-#   package the Debian packages of the linux build (lintian, unpacked into a scratch root, the
-#           API reference in the -dev package, a client and every example built against it
-#           and run)
 #   fuzz    every libFuzzer target for a short run (OVO_FUZZ_SECONDS each, default 10)
 #   bench   every benchmark, briefly: one run of each (figures and ratios only, no verdict)
 # and one suite that runs only when named:
@@ -39,7 +39,9 @@ builds=${OVO_BUILD_ROOT:-$root/build}
 jobs=${OVO_JOBS:-$(nproc)}
 fuzzSeconds=${OVO_FUZZ_SECONDS:-10}
 suites=("$@")
-[ ${#suites[@]} -gt 0 ] || suites=(linux docs asan tsan win64 parity win32 python abi package fuzz bench)
+# By default the suites of the linux tree alone run first, while the next trees build; the
+# benchmarks last, when every build is done.
+[ ${#suites[@]} -gt 0 ] || suites=(linux docs python abi package asan tsan win64 parity win32 fuzz bench)
 
 packages=(cmake ninja-build g++ pkg-config util-linux googletest libgtest-dev libbenchmark-dev libspdlog-dev libboost-dev
           clang libclang-rt-14-dev g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix wine64
@@ -81,8 +83,10 @@ check() {
 }
 
 # Every build compiles through ccache: a second run on the machine rebuilds from its cache.
-# Paths under the sources are hashed relative to them, so clones in other places share it.
-export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1
+# Paths under the sources are hashed relative to them, so clones in other places share it. Its
+# depend mode keys a unit by the headers the compiler reports reading, which spares the extra
+# run of the preprocessor that a miss costs otherwise.
+export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1 CCACHE_DEPEND=1
 launchers=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
 # A warm build is mostly links (some seventy programs each): LLVM's linker does them in
 # about half the time, and a tenth of the time of MinGW-w64's ld (whose gcc ignores
