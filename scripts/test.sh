@@ -154,11 +154,9 @@ runTests() { # suite (the Python package's tests have a suite of their own)
     return "$status"
 }
 
-# The linux build is also the one packaged: installed under /usr, with the API reference. It
-# compiles each source of the library and the tool on its own, where the other trees take
-# them as a few units: that proves every source includes what it uses.
+# The linux build is also the one packaged: installed under /usr, with the API reference.
 linuxOptions=(-DCMAKE_BUILD_TYPE=RelWithDebInfo -DOVO_BUILD_BENCHMARKS=ON -DCMAKE_INSTALL_PREFIX=/usr
-              -DOVO_INSTALL_REFERENCE=ON -DOVO_UNITY_BUILD=OFF)
+              -DOVO_INSTALL_REFERENCE=ON)
 
 build_linux() { configureAndBuild linux "${linuxOptions[@]}"; }
 suite_linux() { built linux && runTests linux; }
