@@ -4,6 +4,8 @@
 // (also by `ovo objects`) and swept away.
 #include "ipc/ipc_test.h"
 
+#include <fcntl.h>
+#include <functional>
 #include <linux/magic.h>
 #include <sched.h>
 #include <set>
@@ -62,6 +64,14 @@ bool runInMemory()
     return statfs("/run", &system) == 0 && (system.f_type == TMPFS_MAGIC || system.f_type == RAMFS_MAGIC);
 }
 
+// Where the objects of a process without a session's directory are.
+std::string sessionless()
+{
+    return geteuid() != 0 ? "/dev/shm/ovosystem.u" + std::to_string(geteuid()) + "."
+           : runInMemory() ? "/run/ovosystem/"
+                           : "/dev/shm/ovosystem.u0/";
+}
+
 // The session's directory is $XDG_RUNTIME_DIR when that is this user's alone (mode 0700), for
 // root without one /run (or, with /run on a disk, root's own directory in /dev/shm);
 // elsewhere (no session) the names are files of /dev/shm.
@@ -79,9 +89,7 @@ TEST_F(UserScopeTest, LocalNamesLiveInTheSessionsDirectoryWhenItIsTheUsersAlone)
     ASSERT_EQ(lchown(others.c_str(), 65534, 0) == 0 && lchown((dir.path() / "others-link").c_str(), 65534, 0) == 0,
               root);
     const std::string session = (own / "ovosystem/").string();
-    const std::string none = !root           ? "/dev/shm/ovosystem.u" + std::to_string(geteuid()) + "."
-                             : runInMemory() ? "/run/ovosystem/"
-                                             : "/dev/shm/ovosystem.u0/";
+    const std::string none = sessionless();
     const std::pair<const char*, std::string> cases[] = {
         // XDG_RUNTIME_DIR in `dir` ("" for none; others' only when root could make them), where objects are
         {"own", session},
@@ -160,6 +168,50 @@ TEST_F(UserScopeTest, RootsNamesLiveInMemoryWhereverRunLies)
             GTEST_SKIP() << "cannot mount a file system in a namespace of its own";
         EXPECT_EQ(status, 0) << object << " not made, /run on disk " << row.runOnDisk
                              << ", made first: " << row.madeFirst;
+    }
+}
+
+// A process finds the session's directory once and keeps it while what it was found by stands
+// as it was: after any change, a new object goes where a process starting now would put it.
+TEST_F(UserScopeTest, TheSessionsDirectoryIsFoundAgainWhenItChanged)
+{
+    const ovo_test::TempDir dir;
+    const fs::path session = dir.path() / "session", own = session / "ovosystem";
+    fs::create_directory(session);
+    fs::permissions(session, fs::perms::owner_all);
+    setenv("XDG_RUNTIME_DIR", session.c_str(), 1);
+    const struct {
+        const char* change;
+        std::function<void()> make;
+        std::string where;
+    } rows[] = {
+        {"none", [] {}, own.string() + "/"},
+        {"removed", [&] { fs::remove_all(own); }, own.string() + "/"},
+        {"replaced",
+         [&] {
+             fs::rename(own, dir.path() / "old");
+             fs::create_directory(own);
+             fs::permissions(own, fs::perms::owner_all);
+         },
+         own.string() + "/"},
+        {"its descriptor closed and taken by another directory",
+         [] {
+             close_range(3, ~0U, 0);
+             for (int i = 0; i < 16; ++i)
+                 open("/", O_RDONLY | O_DIRECTORY);
+         },
+         own.string() + "/"},
+        {"the session's directory opened to others", [&] { fs::permissions(session, fs::perms::all); }, sessionless()},
+    };
+    for (const auto& row : rows) {
+        ovo_test::ChildProcess child([&] {
+            SystemMutex({name("found")}); // found, and kept
+            row.make();
+            SystemMutex mutex(name("made"));
+            return fs::exists(row.where + name("made")) ? 0 : 1;
+        });
+        EXPECT_EQ(child.wait(), 0) << "changed: " << row.change << "; not in " << row.where;
+        fs::remove_all(dir.path() / "old");
     }
 }
 

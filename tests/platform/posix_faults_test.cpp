@@ -1,14 +1,18 @@
 // The POSIX layer when the system fails it: its calls fail with the Win32 code of the cause, retry what was only
-// interrupted, and leave no half-written state behind; a "Global\" name reaches one object from every session.
+// interrupted, and leave no half-written state behind; a "Global\" name reaches one object from every session
+// and, as its list grants, every user.
 #include "fakes/faulty_system_calls.h"
 #include "platform/win32.h"
 #include "support/process.h"
 #include "support/temp_dir.h"
 
 #include <gtest/gtest.h>
+#include <ovo/win32/security_attributes.h>
 
 #include <cerrno>
+#include <fstream>
 #include <functional>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using ovo_fake::failCall;
@@ -77,6 +81,7 @@ TEST(PosixFaults, ANamedObjectThatCannotBeMadeLeavesNothing)
     EXPECT_EQ(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 4096, name.c_str()), nullptr);
     EXPECT_EQ(GetLastError(), 1455u); // ERROR_COMMITMENT_LIMIT: the memory cannot be committed
     failCall("ftruncate", EIO);
+    std::ofstream(file) << "left by holders that died"; // a file just made is empty: only this one is cut
     EXPECT_EQ(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 4096, name.c_str()), nullptr);
     EXPECT_EQ(GetLastError(), 31u);
     failCall("open", EMFILE);
@@ -109,4 +114,25 @@ TEST(PosixLayer, GlobalNamesAreOneNamespaceForEverySession)
         EXPECT_EQ(sessionless.wait(), scope == "Global\\" ? 1 : 0) << scope;
         CloseHandle(held);
     }
+}
+
+// A "Global\" object whose list grants everyone access is open to every user, whatever umask
+// its creator has.
+TEST(PosixLayer, AGlobalObjectThatGrantsEveryoneIsOpenToAnotherUser)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "needs root, to be another user";
+    const std::string name = "Global\\ovotest-everyone-" + std::to_string(getpid());
+    ovo::win32::SecurityAttributes everyone(ovo::win32::SecurityAttributes::SA_World, SYNCHRONIZE);
+    const mode_t umaskBefore = umask(077);
+    HANDLE mutex = CreateMutexA(everyone, FALSE, name.c_str());
+    umask(umaskBefore);
+    ASSERT_NE(mutex, nullptr) << GetLastError();
+    ovo_test::ChildProcess otherUser([&] {
+        if (setgid(65534) != 0 || setuid(65534) != 0)
+            return 3;
+        return OpenMutexA(SYNCHRONIZE, FALSE, name.c_str()) != nullptr ? 0 : 1;
+    });
+    EXPECT_EQ(otherUser.wait(), 0) << "1: refused to another user";
+    CloseHandle(mutex);
 }

@@ -22,6 +22,8 @@ const std::size_t maxPath = 260;        // Windows' limit on an object name
 const std::uint32_t magic = 0x4F564F31; // "OVO1"
 const unsigned sweptPerCreate = 16;
 const std::size_t stateOffset = 64;
+// Never through a link, never blocking on a FIFO, never taking a terminal.
+const int objectOpenFlags = O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY;
 
 struct Header {
     std::uint32_t magic;
@@ -98,7 +100,7 @@ DWORD refusal(const Header& header, ObjectKind kind, DWORD desiredAccess)
 // The objects this process holds, by file.
 class ProcessObjects {
 public:
-    using Key = std::pair<dev_t, ino_t>;
+    using Key = NamedObject::FileId;
 
     // The object that this process holds (not one inherited from a parent that forked it).
     std::shared_ptr<NamedObject> find(const Key& key)
@@ -140,8 +142,7 @@ ProcessObjects& processObjects()
 int openTrusted(const ObjectDirectory& directory, const std::string& fileName, int flags, unsigned mode,
                 struct stat& opened)
 {
-    const int fd = sys::openat(directory.descriptor(), fileName.c_str(),
-                               O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | flags, mode);
+    const int fd = sys::openat(directory.descriptor(), fileName.c_str(), objectOpenFlags | flags, mode);
     if (fd < 0) {
         if (errno == ELOOP)
             SetLastError(ERROR_ACCESS_DENIED);
@@ -208,13 +209,13 @@ void* joined(int fd, const struct stat& opened, ObjectKind kind, DWORD desiredAc
 // A new object in the file (new, or left by holders that all died): zeroed, its memory
 // reserved (a full file system fails here, never a write into the mapping later with a
 // SIGBUS), its header and state written before anybody else can see it.
-void* startedFresh(int fd, const ObjectDirectory& directory, const std::string& fileName, ObjectKind kind,
-                   const ObjectAccess& access, unsigned mode, std::uint64_t dataSize,
+void* startedFresh(int fd, const struct stat& opened, const ObjectDirectory& directory, const std::string& fileName,
+                   ObjectKind kind, const ObjectAccess& access, unsigned mode, std::uint64_t dataSize,
                    NamedObject::Initializer initialize)
 {
     void* header = MAP_FAILED;
     DWORD error = ERROR_SUCCESS;
-    if (sys::ftruncate(fd, 0) != 0)
+    if (opened.st_size != 0 && sys::ftruncate(fd, 0) != 0) // a file just made is empty already
         error = setLastErrorFromErrno(errno);
     else if (sys::fallocate(fd, static_cast<off_t>(pageSize() + dataSize)) != 0)
         error = errno == ENOSPC || errno == EFBIG || errno == EDQUOT ? ERROR_COMMITMENT_LIMIT
@@ -226,7 +227,8 @@ void* startedFresh(int fd, const ObjectDirectory& directory, const std::string& 
         unlinkat(directory.descriptor(), fileName.c_str(), 0);
         return nullptr;
     }
-    fchmod(fd, mode); // the mode asked for, whatever the umask
+    if ((opened.st_mode & 07777) != mode)
+        fchmod(fd, mode); // the mode asked for, whatever the umask
     *static_cast<Header*>(header) = Header{magic, static_cast<std::uint32_t>(kind), access.listed, access.everyone,
                                            access.administrators, 0, dataSize};
     if (initialize != nullptr)
@@ -236,24 +238,23 @@ void* startedFresh(int fd, const ObjectDirectory& directory, const std::string& 
 
 // Removes files of the directory that no handle holds, looking at no more than `limit`
 // files; gives how many went. `held` names a file that this process holds, which the sweep
-// passes by: probing it costs five system calls and a moment of its guard.
+// passes by. A file that some handle holds is told by one query of its liveness byte, before
+// any lock is taken.
 unsigned removeStale(const ObjectDirectory& directory, unsigned limit, const std::string& held = std::string())
 {
     unsigned removed = 0;
-    const std::vector<std::string> fileNames = directory.fileNames();
-    for (std::size_t i = 0; i < fileNames.size() && i < limit; ++i) {
-        if (fileNames[i] == held)
+    for (const std::string& fileName : directory.fileNames(limit)) {
+        if (fileName == held)
             continue;
+        const int fd = sys::openat(directory.descriptor(), fileName.c_str(), objectOpenFlags, 0);
         struct stat opened;
-        const int fd = openTrusted(directory, fileNames[i], 0, 0, opened);
-        if (fd < 0)
-            continue;
         // Under the guard, with no handle holding the liveness byte, nobody can join it.
-        if (lockByte(fd, guardByte, F_WRLCK, false) && lockByte(fd, livenessByte, F_WRLCK, false) &&
-            stillNamed(directory, fileNames[i], opened) &&
-            unlinkat(directory.descriptor(), fileNames[i].c_str(), 0) == 0)
+        if (fd >= 0 && byteFree(fd, livenessByte) && fstat(fd, &opened) == 0 && trusted(opened, directory) &&
+            lockByte(fd, guardByte, F_WRLCK, false) && lockByte(fd, livenessByte, F_WRLCK, false) &&
+            stillNamed(directory, fileName, opened) && unlinkat(directory.descriptor(), fileName.c_str(), 0) == 0)
             ++removed;
-        close(fd);
+        if (fd >= 0)
+            close(fd);
     }
     return removed;
 }
@@ -367,12 +368,12 @@ std::shared_ptr<NamedObject> NamedObject::acquire(ObjectKind kind, const char* n
         return fail(fd, ERROR_FILE_NOT_FOUND);
     }
     void* const header = existed ? joined(fd, opened, kind, desiredAccess)
-                                 : startedFresh(fd, *directory, fileName, kind, access, mode, dataSize, initialize);
+                                 : startedFresh(fd, opened, *directory, fileName, kind, access, mode, dataSize, initialize);
     if (header == nullptr)
         return fail(fd, GetLastError());
     lockByte(fd, livenessByte, F_RDLCK, false); // compatible with the other holders
     lockByte(fd, guardByte, F_UNLCK, false);
-    std::shared_ptr<NamedObject> object(new NamedObject(fd, directory, fileName, header));
+    std::shared_ptr<NamedObject> object(new NamedObject(fd, key, directory, fileName, header));
     processObjects().add(key, object);
     if (!existed)
         removeStale(*directory, sweptPerCreate, fileName);
@@ -388,9 +389,7 @@ NamedObject::~NamedObject()
         if (lockByte(fd_, livenessByte, F_WRLCK, false))
             unlinkat(directory_->descriptor(), fileName_.c_str(), 0); // the last handle anywhere
     }
-    struct stat own;
-    if (fstat(fd_, &own) == 0)
-        processObjects().forget(ProcessObjects::Key(own.st_dev, own.st_ino));
+    processObjects().forget(file_);
     if (!keepMapped_)
         munmap(header_, pageSize());
     close(fd_);

@@ -25,7 +25,9 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <sys/types.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace ovo {
@@ -50,6 +52,8 @@ class NamedObject {
 public:
     // What a fresh object's state must hold before anybody else sees it.
     using Initializer = void (*)(void* state);
+    // The file of an object, as the kernel knows it.
+    using FileId = std::pair<dev_t, ino_t>;
 
     // Creates the object, or joins an existing one of the kind when `desiredAccess` is
     // granted (`existed` true). Null with the last error set on failure.
@@ -77,8 +81,9 @@ public:
     bool ownedHere() const;
 
 private:
-    NamedObject(int fd, std::shared_ptr<const ObjectDirectory> directory, std::string fileName, void* header)
-        : fd_(fd), directory_(std::move(directory)), fileName_(std::move(fileName)), header_(header)
+    NamedObject(int fd, FileId file, std::shared_ptr<const ObjectDirectory> directory, std::string fileName,
+                void* header)
+        : fd_(fd), file_(file), directory_(std::move(directory)), fileName_(std::move(fileName)), header_(header)
     {
     }
 
@@ -87,6 +92,7 @@ private:
                                                 bool create, bool& existed);
 
     int fd_;
+    FileId file_;
     std::shared_ptr<const ObjectDirectory> directory_; // holds the file
     std::string fileName_;
     void* header_;

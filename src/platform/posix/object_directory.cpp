@@ -11,6 +11,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <linux/magic.h>
+#include <mutex>
 #include <sys/stat.h>
 #include <sys/vfs.h>
 #include <unistd.h>
@@ -40,12 +41,12 @@ bool privateDirectory(int fd)
 }
 
 // $XDG_RUNTIME_DIR when it is this user's alone; -1 otherwise.
-int runtimeDirectory()
+int runtimeDirectory(const char* runtime, Route& route)
 {
-    const char* runtime = std::getenv("XDG_RUNTIME_DIR");
     if (runtime == nullptr || runtime[0] != '/')
         return -1;
     const int fd = openThroughOwnLinks(runtime, O_RDONLY | O_DIRECTORY);
+    route.note(runtime, true);
     if (privateDirectory(fd))
         return fd;
     if (fd >= 0)
@@ -53,15 +54,16 @@ int runtimeDirectory()
     return -1;
 }
 
-// The directory NAME in PARENT (closed here), made when missing; -1 when it is not this
-// user's alone.
-int ownSubdirectory(int parent, const char* name)
+// The directory NAME in PARENT (the descriptor of the directory at PARENTPATH, closed here),
+// made when missing; -1 when it is not this user's alone.
+int ownSubdirectory(int parent, const std::string& parentPath, const char* name, Route& route)
 {
     if (parent < 0)
         return -1;
     mkdirat(parent, name, 0700);
     const int fd = openat(parent, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW);
     close(parent);
+    route.note(parentPath + "/" + name, false);
     if (privateDirectory(fd))
         return fd;
     if (fd >= 0)
@@ -80,32 +82,73 @@ bool inMemory(int fd)
 // without such an init), every object would be a file mapped from that disk, its writes
 // written back to it: there root's names live in a directory of its own in /dev/shm, and
 // in /run only when another user made that directory first.
-int rootObjectDirectory()
+int rootObjectDirectory(Route& route)
 {
     const int run = open("/run", O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW);
+    route.note("/run", false);
     if (run >= 0 && !inMemory(run)) {
-        const int own = ownSubdirectory(open(sharedDirectory, O_RDONLY | O_DIRECTORY | O_CLOEXEC), "ovosystem.u0");
+        const int own = ownSubdirectory(open(sharedDirectory, O_RDONLY | O_DIRECTORY | O_CLOEXEC), sharedDirectory,
+                                        "ovosystem.u0", route);
         if (own >= 0) {
             close(run);
             return own;
         }
     }
-    return ownSubdirectory(run, ownDirectory);
+    return ownSubdirectory(run, "/run", ownDirectory, route);
 }
 
 // The session's "ovosystem"; -1 when there is none of this user's alone.
-int ownObjectDirectory()
+int ownObjectDirectory(const char* runtime, Route& route)
 {
-    const int runtime = runtimeDirectory();
-    if (runtime >= 0)
-        return ownSubdirectory(runtime, ownDirectory);
-    return geteuid() == 0 ? rootObjectDirectory() : -1;
+    const int fd = runtimeDirectory(runtime, route);
+    if (fd >= 0)
+        return ownSubdirectory(fd, runtime, ownDirectory, route);
+    return geteuid() == 0 ? rootObjectDirectory(route) : -1;
 }
+
+// The directory found last, and for whom ($XDG_RUNTIME_DIR and the effective user).
+struct FoundDirectory {
+    std::mutex lock;
+    std::shared_ptr<const ObjectDirectory> directory;
+    std::string foundFor;
+};
 
 } // namespace
 
-ObjectDirectory::ObjectDirectory(int fd, std::string prefix, bool usersOnly)
-    : fd_(fd), prefix_(std::move(prefix)), usersOnly_(usersOnly)
+void Route::note(const std::string& path, bool followLink)
+{
+    marks_.push_back(Landmark{path, followLink, Sight()});
+    marks_.back().seen = sightAt(marks_.back());
+}
+
+bool Route::unchanged() const
+{
+    for (const Landmark& mark : marks_)
+        if (sightAt(mark) != mark.seen)
+            return false;
+    return !marks_.empty();
+}
+
+bool Route::endsAt(int fd) const
+{
+    struct stat status;
+    return !marks_.empty() && fstat(fd, &status) == 0 && sightOf(status) == marks_.back().seen;
+}
+
+Route::Sight Route::sightAt(const Landmark& mark)
+{
+    struct stat status;
+    const int flags = mark.followLink ? 0 : AT_SYMLINK_NOFOLLOW;
+    return fstatat(AT_FDCWD, mark.path.c_str(), &status, flags) == 0 ? sightOf(status) : Sight();
+}
+
+Route::Sight Route::sightOf(const struct stat& status)
+{
+    return Sight(true, status.st_dev, status.st_ino, status.st_mode, status.st_uid);
+}
+
+ObjectDirectory::ObjectDirectory(int fd, std::string prefix, bool usersOnly, Route route)
+    : fd_(fd), prefix_(std::move(prefix)), usersOnly_(usersOnly), route_(std::move(route))
 {
 }
 
@@ -113,9 +156,24 @@ ObjectDirectory::~ObjectDirectory() { close(fd_); }
 
 std::shared_ptr<const ObjectDirectory> ObjectDirectory::local()
 {
-    const int own = ownObjectDirectory();
+    static auto* found = new FoundDirectory; // never destroyed: objects may be made by static destructors
+    const char* runtime = std::getenv("XDG_RUNTIME_DIR");
+    const std::string foundFor = std::string(runtime != nullptr ? runtime : "") + '\0' + std::to_string(geteuid());
+    std::lock_guard<std::mutex> guard(found->lock);
+    const std::shared_ptr<const ObjectDirectory>& last = found->directory;
+    if (last == nullptr || found->foundFor != foundFor || !last->route_.unchanged() || !last->route_.endsAt(last->fd_)) {
+        found->directory = searchLocal(runtime);
+        found->foundFor = foundFor;
+    }
+    return found->directory;
+}
+
+std::shared_ptr<const ObjectDirectory> ObjectDirectory::searchLocal(const char* runtime)
+{
+    Route route;
+    const int own = ownObjectDirectory(runtime, route);
     if (own >= 0)
-        return std::shared_ptr<const ObjectDirectory>(new ObjectDirectory(own, "", true));
+        return std::shared_ptr<const ObjectDirectory>(new ObjectDirectory(own, "", true, std::move(route)));
     const int shared = open(sharedDirectory, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (shared < 0) {
         setLastErrorFromErrno(errno);
@@ -149,21 +207,25 @@ std::string ObjectDirectory::fileName(const std::string& name) const
     return prefix_ + hashed;
 }
 
-std::vector<std::string> ObjectDirectory::fileNames() const
+std::vector<std::string> ObjectDirectory::fileNames(std::size_t most) const
 {
     std::vector<std::string> names;
     const int fd = openat(fd_, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC); // a reading position of its own
-    DIR* dir = fd >= 0 ? fdopendir(fd) : nullptr;
-    if (dir == nullptr) {
-        if (fd >= 0)
-            close(fd);
+    if (fd < 0)
         return names;
-    }
-    while (const dirent* entry = readdir(dir))
-        if (std::strncmp(entry->d_name, prefix_.c_str(), prefix_.size()) == 0 && std::strcmp(entry->d_name, ".") != 0 &&
-            std::strcmp(entry->d_name, "..") != 0)
-            names.push_back(entry->d_name);
-    closedir(dir);
+    // Entries as the kernel gives them, without a DIR's own checks: a sweep of a few files
+    // reads the first batch and stops there.
+    alignas(dirent64) char batch[16384];
+    ssize_t size;
+    while (names.size() < most && (size = getdents64(fd, batch, sizeof batch)) > 0)
+        for (ssize_t at = 0; at < size && names.size() < most;) {
+            const auto* entry = reinterpret_cast<const dirent64*>(batch + at);
+            at += entry->d_reclen;
+            if (std::strncmp(entry->d_name, prefix_.c_str(), prefix_.size()) == 0 &&
+                std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0)
+                names.push_back(entry->d_name);
+        }
+    close(fd);
     return names;
 }
 

@@ -15,14 +15,42 @@
 
 #include <memory>
 #include <string>
+#include <sys/stat.h>
+#include <sys/types.h>
+#include <tuple>
 #include <vector>
 
 namespace ovo {
 namespace posix {
 
+// The paths that the search for a directory went by, and what stood at each: while every
+// one is as it was, a search made again would find the same directory.
+class Route {
+public:
+    void note(const std::string& path, bool followLink);
+    bool unchanged() const;
+    // Whether the descriptor is of what stood at the last path noted.
+    bool endsAt(int fd) const;
+
+private:
+    using Sight = std::tuple<bool, dev_t, ino_t, mode_t, uid_t>; // all but the first 0 when nothing stood there
+    struct Landmark {
+        std::string path;
+        bool followLink;
+        Sight seen;
+    };
+    static Sight sightAt(const Landmark& mark);
+    static Sight sightOf(const struct stat& status);
+
+    std::vector<Landmark> marks_;
+};
+
 class ObjectDirectory {
 public:
     // This user's "Local\" directory; null (with the last error set) when there is none.
+    // A process searches once and keeps what it found while the route is unchanged: the
+    // search costs ten system calls, the check one per path and one for the descriptor
+    // (which a program that closes every descriptor may have closed under us).
     static std::shared_ptr<const ObjectDirectory> local();
     // The directory of "Global\" names.
     static std::shared_ptr<const ObjectDirectory> global();
@@ -38,16 +66,19 @@ public:
     // The file of an object name: encoded so that no byte of the name reaches outside the
     // directory, hashed when that is too long for a file name.
     std::string fileName(const std::string& name) const;
-    // The files of this scope, and the object name of one of them.
-    std::vector<std::string> fileNames() const;
+    // The files of this scope (the first `most` that the directory lists), and the object
+    // name of one of them.
+    std::vector<std::string> fileNames(std::size_t most = static_cast<std::size_t>(-1)) const;
     std::string objectName(const std::string& fileName) const;
 
 private:
-    ObjectDirectory(int fd, std::string prefix, bool usersOnly);
+    ObjectDirectory(int fd, std::string prefix, bool usersOnly, Route route = Route());
+    static std::shared_ptr<const ObjectDirectory> searchLocal(const char* runtime);
 
     int fd_;
     std::string prefix_; // of every file of the scope in the directory
     bool usersOnly_;
+    Route route_; // empty when the directory is searched for every use
 };
 
 } // namespace posix
