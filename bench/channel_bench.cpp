@@ -114,15 +114,19 @@ void posixAtDepth(benchmark::State& state)
     mq_unlink(name.c_str());
 }
 
-// The channel's block and its two steps, bare, in a mapping as the channel's is.
+// The channel's block and its two steps, bare, in a shared mapping. The block starts half a
+// page in: at the start of a page its table shares page offsets with the lock's state, and
+// the locked floor at depth 16 came out at 61 or 108 ns from run to run; half a page in it
+// holds steady.
 class BareLayout {
 public:
     BareLayout()
         : block_(static_cast<unsigned char*>(
-              mmap(nullptr, blockSize, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0)))
+              mmap(nullptr, blockSize + pageOffset, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0)) +
+                 pageOffset)
     {
     }
-    ~BareLayout() { munmap(block_, blockSize); }
+    ~BareLayout() { munmap(block_ - pageOffset, blockSize + pageOffset); }
 
     void send(std::uint32_t id, const void* data, std::uint32_t size)
     {
@@ -151,6 +155,7 @@ private:
         std::uint32_t id, size, offset, reserved;
     };
     static const std::size_t blockSize = 4113 + 256 * messageSize;
+    static const std::size_t pageOffset = 2048;
 
     std::uint32_t& count() { return *reinterpret_cast<std::uint32_t*>(block_); }
     Entry* table() { return reinterpret_cast<Entry*>(block_ + 16); }
