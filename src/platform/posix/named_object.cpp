@@ -4,7 +4,9 @@
 #include "platform/posix/object_directory.h"
 #include "platform/posix/system_calls.h"
 
+#include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <fcntl.h>
 #include <limits>
 #include <map>
@@ -259,6 +261,24 @@ unsigned removeStale(const ObjectDirectory& directory, unsigned limit, const std
     return removed;
 }
 
+// Whether a fresh create of this process should sweep: the first one does, and after it at
+// most one a second. A sweep reads the directory and probes up to 16 files, which a process
+// that makes objects often should not pay for each; files left by holders that all died are
+// inert and wait that long.
+bool sweepDue(pid_t process)
+{
+    static std::atomic<pid_t> sweeper{0};
+    static std::atomic<std::int64_t> lastSweep{0};
+    const std::int64_t now = std::chrono::duration_cast<std::chrono::milliseconds>(
+                                 std::chrono::steady_clock::now().time_since_epoch())
+                                 .count();
+    if (sweeper.load(std::memory_order_relaxed) == process && now - lastSweep.load(std::memory_order_relaxed) < 1000)
+        return false;
+    sweeper.store(process, std::memory_order_relaxed);
+    lastSweep.store(now, std::memory_order_relaxed);
+    return true;
+}
+
 // The directory of an object name and the name in it (after "Local\" or "Global\"), or null
 // with the Win32 code of a name that Windows refuses as well: nothing after the prefix
 // (ERROR_INVALID_NAME), a further backslash (ERROR_PATH_NOT_FOUND), more than MAX_PATH
@@ -375,7 +395,7 @@ std::shared_ptr<NamedObject> NamedObject::acquire(ObjectKind kind, const char* n
     lockByte(fd, guardByte, F_UNLCK, false);
     std::shared_ptr<NamedObject> object(new NamedObject(fd, key, directory, fileName, header));
     processObjects().add(key, object);
-    if (!existed)
+    if (!existed && sweepDue(object->owner_))
         removeStale(*directory, sweptPerCreate, fileName);
     SetLastError(existed ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
     return object;

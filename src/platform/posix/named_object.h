@@ -12,7 +12,8 @@
 // free under that lock knows no handle is left: the closer removes the file, and an opener
 // that finds a file left by processes that died starts a fresh object in it. The handles
 // of one process on one object share one NamedObject: one descriptor, one mapping. Files
-// that every holder left by dying are inert; each fresh create sweeps a few of them away.
+// that every holder left by dying are inert; a process's first fresh create sweeps a few of
+// them away, and after it one create a second.
 // A child made by fork shares its parent's open files, and so their locks: it owns none of
 // the objects that it inherited, and their copies end without a lock or the file touched.
 #ifndef OVO_SRC_PLATFORM_POSIX_NAMED_OBJECT_H
