@@ -76,7 +76,7 @@ std::size_t pageSize() { return static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
 // this user's own: another user could have made one of a name first.
 bool trusted(const struct stat& file, const ObjectDirectory& directory)
 {
-    return S_ISREG(file.st_mode) && (!directory.usersOnly() || file.st_uid == geteuid());
+    return S_ISREG(file.st_mode) && (!directory.usersOnly() || file.st_uid == directory.user());
 }
 
 std::shared_ptr<NamedObject> fail(int fd, DWORD error)

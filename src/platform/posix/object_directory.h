@@ -18,6 +18,7 @@
 #include <sys/stat.h>
 #include <sys/types.h>
 #include <tuple>
+#include <unistd.h>
 #include <vector>
 
 namespace ovo {
@@ -63,6 +64,9 @@ public:
     // Whether a file here stands for an object only when it is this user's: in /dev/shm
     // anybody may make a file of a "Local\" name first.
     bool usersOnly() const { return usersOnly_; }
+    // The effective user that the directory was found for (a process that changes it finds
+    // the directory again).
+    uid_t user() const { return user_; }
     // The file of an object name: encoded so that no byte of the name reaches outside the
     // directory, hashed when that is too long for a file name.
     std::string fileName(const std::string& name) const;
@@ -78,6 +82,7 @@ private:
     int fd_;
     std::string prefix_; // of every file of the scope in the directory
     bool usersOnly_;
+    uid_t user_ = geteuid();
     Route route_; // empty when the directory is searched for every use
 };
 
