@@ -1,4 +1,5 @@
 #include "ipc/ipc_test.h"
+#include "support/sanitizers.h"
 
 namespace {
 
@@ -108,6 +109,29 @@ TEST_F(SystemMutexTest, AForkedChildEndsNoneOfItsParentsObjects)
               1);
     EXPECT_EQ(ovo_test::readFile(file("fds")), "0\n") << "a descriptor of an object crossed exec";
     mutex->unlock();
+}
+
+// A child forked while another thread was making an object makes its own: it never inherits
+// a lock of the library held by a thread that it does not have.
+TEST_F(SystemMutexTest, AChildForkedWhileAThreadMakesObjectsMakesItsOwn)
+{
+#ifdef OVO_TEST_SANITIZED
+    GTEST_SKIP() << "a sanitizer's own locks are not all held across fork: its children can hang in them";
+#endif
+    std::atomic<bool> stop{false};
+    std::thread busy([&] {
+        while (!stop)
+            ovo::ipc::SharedMemory(name("busy"), 16);
+    });
+    unsigned hung = 0;
+    for (int i = 0; i < 200; ++i)
+        hung += ChildProcess([&] {
+                    alarm(5);
+                    return SystemMutex(name("child")), 0;
+                }).wait() != 0;
+    stop = true;
+    busy.join();
+    EXPECT_EQ(hung, 0u) << "children that did not make their object";
 }
 #endif
 

@@ -7,6 +7,7 @@
 #include <fcntl.h>
 #include <functional>
 #include <linux/magic.h>
+#include <map>
 #include <sched.h>
 #include <set>
 #include <sstream>
@@ -62,6 +63,17 @@ bool runInMemory()
 {
     struct statfs system;
     return statfs("/run", &system) == 0 && (system.f_type == TMPFS_MAGIC || system.f_type == RAMFS_MAGIC);
+}
+
+// The files that descriptors 0 to 63 stand for.
+std::map<int, std::pair<dev_t, ino_t>> openFiles()
+{
+    std::map<int, std::pair<dev_t, ino_t>> files;
+    struct stat status;
+    for (int fd = 0; fd < 64; ++fd)
+        if (fstat(fd, &status) == 0)
+            files[fd] = {status.st_dev, status.st_ino};
+    return files;
 }
 
 // Where the objects of a process without a session's directory are.
@@ -187,6 +199,7 @@ TEST_F(UserScopeTest, TheSessionsDirectoryIsFoundAgainWhenItChanged)
     } rows[] = {
         {"none", [] {}, own.string() + "/"},
         {"removed", [&] { fs::remove_all(own); }, own.string() + "/"},
+        {"removed, and made again under umask 0177", [&] { fs::remove_all(own), umask(0177); }, own.string() + "/"},
         {"replaced",
          [&] {
              fs::rename(own, dir.path() / "old");
@@ -206,11 +219,20 @@ TEST_F(UserScopeTest, TheSessionsDirectoryIsFoundAgainWhenItChanged)
     for (const auto& row : rows) {
         ovo_test::ChildProcess child([&] {
             SystemMutex({name("found")}); // found, and kept
+            const auto before = openFiles();
             row.make();
+            auto programs = openFiles(); // what the change opened, which no create may close
+            for (const auto& file : before)
+                if (programs.count(file.first) != 0 && programs[file.first] == file.second)
+                    programs.erase(file.first);
             SystemMutex mutex(name("made"));
+            const auto after = openFiles();
+            for (const auto& file : programs)
+                if (after.count(file.first) == 0 || after.at(file.first) != file.second)
+                    return 2;
             return fs::exists(row.where + name("made")) ? 0 : 1;
         });
-        EXPECT_EQ(child.wait(), 0) << "changed: " << row.change << "; not in " << row.where;
+        EXPECT_EQ(child.wait(), 0) << "changed: " << row.change << "; not in " << row.where << " (2: a descriptor of the program's closed)";
         fs::remove_all(dir.path() / "old");
     }
 }

@@ -1,5 +1,6 @@
 #include "platform/posix/named_object.h"
 
+#include "platform/posix/fork_guard.h"
 #include "platform/posix/handle.h"
 #include "platform/posix/object_directory.h"
 #include "platform/posix/system_calls.h"
@@ -127,6 +128,8 @@ public:
             objects_.erase(found);
     }
 
+    static std::mutex& lockOfAll();
+
 private:
     std::mutex lock_;
     std::map<Key, std::weak_ptr<NamedObject>> objects_;
@@ -134,9 +137,15 @@ private:
 
 ProcessObjects& processObjects()
 {
-    static auto* objects = new ProcessObjects; // never destroyed: handles may outlive static destructors
+    // Never destroyed: handles may outlive static destructors.
+    static ProcessObjects* const objects = [] {
+        holdAcrossFork<&ProcessObjects::lockOfAll>();
+        return new ProcessObjects;
+    }();
     return *objects;
 }
+
+std::mutex& ProcessObjects::lockOfAll() { return processObjects().lock_; }
 
 // Opens a file of the directory that may be taken for an object, never through a link; -1
 // with the last error set otherwise (ERROR_ACCESS_DENIED for a file that is no object of

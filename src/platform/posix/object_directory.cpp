@@ -1,6 +1,7 @@
 #include "platform/posix/object_directory.h"
 
 #include "platform/posix/file_name.h"
+#include "platform/posix/fork_guard.h"
 #include "platform/posix/handle.h"
 #include "platform/posix/own_links.h"
 
@@ -60,7 +61,8 @@ int ownSubdirectory(int parent, const std::string& parentPath, const char* name,
 {
     if (parent < 0)
         return -1;
-    mkdirat(parent, name, 0700);
+    if (mkdirat(parent, name, 0700) == 0)
+        fchmodat(parent, name, 0700, 0); // whatever the umask: one made 0600 would be nobody's place
     const int fd = openat(parent, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW);
     close(parent);
     route.note(parentPath + "/" + name, false);
@@ -113,6 +115,20 @@ struct FoundDirectory {
     std::string foundFor;
 };
 
+std::mutex& lockOfFound();
+
+// Never destroyed: objects may be made by static destructors.
+FoundDirectory& found()
+{
+    static FoundDirectory* const found = [] {
+        holdAcrossFork<&lockOfFound>();
+        return new FoundDirectory;
+    }();
+    return *found;
+}
+
+std::mutex& lockOfFound() { return found().lock; }
+
 } // namespace
 
 void Route::note(const std::string& path, bool followLink)
@@ -152,20 +168,26 @@ ObjectDirectory::ObjectDirectory(int fd, std::string prefix, bool usersOnly, Rou
 {
 }
 
-ObjectDirectory::~ObjectDirectory() { close(fd_); }
+ObjectDirectory::~ObjectDirectory()
+{
+    if (ownsDescriptor_)
+        close(fd_);
+}
 
 std::shared_ptr<const ObjectDirectory> ObjectDirectory::local()
 {
-    static auto* found = new FoundDirectory; // never destroyed: objects may be made by static destructors
+    FoundDirectory& last = found();
     const char* runtime = std::getenv("XDG_RUNTIME_DIR");
     const std::string foundFor = std::string(runtime != nullptr ? runtime : "") + '\0' + std::to_string(geteuid());
-    std::lock_guard<std::mutex> guard(found->lock);
-    const std::shared_ptr<const ObjectDirectory>& last = found->directory;
-    if (last == nullptr || found->foundFor != foundFor || !last->route_.unchanged() || !last->route_.endsAt(last->fd_)) {
-        found->directory = searchLocal(runtime);
-        found->foundFor = foundFor;
+    std::lock_guard<std::mutex> guard(last.lock);
+    const ObjectDirectory* const kept = last.directory.get();
+    if (kept != nullptr && !kept->route_.endsAt(kept->fd_))
+        kept->ownsDescriptor_ = false; // closed under us, perhaps reused: no longer ours to close
+    if (kept == nullptr || !kept->ownsDescriptor_ || last.foundFor != foundFor || !kept->route_.unchanged()) {
+        last.directory = searchLocal(runtime);
+        last.foundFor = foundFor;
     }
-    return found->directory;
+    return last.directory;
 }
 
 std::shared_ptr<const ObjectDirectory> ObjectDirectory::searchLocal(const char* runtime)

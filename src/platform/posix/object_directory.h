@@ -13,6 +13,7 @@
 #ifndef OVO_SRC_PLATFORM_POSIX_OBJECT_DIRECTORY_H
 #define OVO_SRC_PLATFORM_POSIX_OBJECT_DIRECTORY_H
 
+#include <atomic>
 #include <memory>
 #include <string>
 #include <sys/stat.h>
@@ -80,6 +81,7 @@ private:
     static std::shared_ptr<const ObjectDirectory> searchLocal(const char* runtime);
 
     int fd_;
+    mutable std::atomic<bool> ownsDescriptor_{true}; // false once the program closed it under us
     std::string prefix_; // of every file of the scope in the directory
     bool usersOnly_;
     uid_t user_ = geteuid();
