@@ -117,7 +117,7 @@ TEST(PosixLayer, GlobalNamesAreOneNamespaceForEverySession)
 }
 
 // A "Global\" object whose list grants everyone access is open to every user, whatever umask
-// its creator has.
+// its creator has; that user's own objects without a session leave no descriptor open.
 TEST(PosixLayer, AGlobalObjectThatGrantsEveryoneIsOpenToAnotherUser)
 {
     if (geteuid() != 0)
@@ -131,8 +131,13 @@ TEST(PosixLayer, AGlobalObjectThatGrantsEveryoneIsOpenToAnotherUser)
     ovo_test::ChildProcess otherUser([&] {
         if (setgid(65534) != 0 || setuid(65534) != 0)
             return 3;
-        return OpenMutexA(SYNCHRONIZE, FALSE, name.c_str()) != nullptr ? 0 : 1;
+        unsetenv("XDG_RUNTIME_DIR"); // without a session: its names are searched for each use
+        const int firstFree = dup(0);
+        close(firstFree);
+        for (int i = 0; i < 64; ++i)
+            CloseHandle(CreateMutexA(nullptr, FALSE, "Local\\ovotest-sessionless"));
+        return dup(0) != firstFree ? 2 : OpenMutexA(SYNCHRONIZE, FALSE, name.c_str()) != nullptr ? 0 : 1;
     });
-    EXPECT_EQ(otherUser.wait(), 0) << "1: refused to another user";
+    EXPECT_EQ(otherUser.wait(), 0) << "1: refused to another user; 2: descriptors left open by its own objects";
     CloseHandle(mutex);
 }

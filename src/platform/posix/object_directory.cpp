@@ -142,13 +142,13 @@ bool Route::unchanged() const
     for (const Landmark& mark : marks_)
         if (sightAt(mark) != mark.seen)
             return false;
-    return !marks_.empty();
+    return true;
 }
 
 bool Route::endsAt(int fd) const
 {
     struct stat status;
-    return !marks_.empty() && fstat(fd, &status) == 0 && sightOf(status) == marks_.back().seen;
+    return fstat(fd, &status) == 0 && sightOf(status) == marks_.back().seen;
 }
 
 Route::Sight Route::sightAt(const Landmark& mark)
@@ -183,11 +183,13 @@ std::shared_ptr<const ObjectDirectory> ObjectDirectory::local()
     const ObjectDirectory* const kept = last.directory.get();
     if (kept != nullptr && !kept->route_.endsAt(kept->fd_))
         kept->ownsDescriptor_ = false; // closed under us, perhaps reused: no longer ours to close
-    if (kept == nullptr || !kept->ownsDescriptor_ || last.foundFor != foundFor || !kept->route_.unchanged()) {
-        last.directory = searchLocal(runtime);
-        last.foundFor = foundFor;
-    }
-    return last.directory;
+    if (kept != nullptr && kept->ownsDescriptor_ && last.foundFor == foundFor && kept->route_.unchanged())
+        return last.directory;
+    std::shared_ptr<const ObjectDirectory> directory = searchLocal(runtime);
+    const bool keep = directory != nullptr && !directory->route_.empty(); // no place of its own: searched each time
+    last.directory = keep ? directory : nullptr;
+    last.foundFor = foundFor;
+    return directory;
 }
 
 std::shared_ptr<const ObjectDirectory> ObjectDirectory::searchLocal(const char* runtime)

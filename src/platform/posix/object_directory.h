@@ -30,8 +30,9 @@ namespace posix {
 class Route {
 public:
     void note(const std::string& path, bool followLink);
+    bool empty() const { return marks_.empty(); }
     bool unchanged() const;
-    // Whether the descriptor is of what stood at the last path noted.
+    // Whether the descriptor is of what stood at the last path noted (of a route not empty).
     bool endsAt(int fd) const;
 
 private:
@@ -85,7 +86,7 @@ private:
     std::string prefix_; // of every file of the scope in the directory
     bool usersOnly_;
     uid_t user_ = geteuid();
-    Route route_; // empty when the directory is searched for every use
+    Route route_; // empty for a directory that is searched for every use, never kept
 };
 
 } // namespace posix
