@@ -125,10 +125,7 @@ TEST_F(SystemMutexTest, AChildForkedWhileAThreadMakesObjectsMakesItsOwn)
     });
     unsigned hung = 0;
     for (int i = 0; i < 200; ++i)
-        hung += ChildProcess([&] {
-                    alarm(5);
-                    return SystemMutex(name("child")), 0;
-                }).wait() != 0;
+        hung += ChildProcess([&] { return alarm(5), SystemMutex(name("child")), 0; }).wait() != 0;
     stop = true;
     busy.join();
     EXPECT_EQ(hung, 0u) << "children that did not make their object";

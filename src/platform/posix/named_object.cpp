@@ -248,15 +248,12 @@ void* startedFresh(int fd, const struct stat& opened, const ObjectDirectory& dir
 }
 
 // Removes files of the directory that no handle holds, looking at no more than `limit`
-// files; gives how many went. `held` names a file that this process holds, which the sweep
-// passes by. A file that some handle holds is told by one query of its liveness byte, before
-// any lock is taken.
-unsigned removeStale(const ObjectDirectory& directory, unsigned limit, const std::string& held = std::string())
+// files; gives how many went. A file that some handle holds (this one's among them) is told
+// by one query of its liveness byte, before any lock is taken.
+unsigned removeStale(const ObjectDirectory& directory, unsigned limit)
 {
     unsigned removed = 0;
     for (const std::string& fileName : directory.fileNames(limit)) {
-        if (fileName == held)
-            continue;
         const int fd = sys::openat(directory.descriptor(), fileName.c_str(), objectOpenFlags, 0);
         struct stat opened;
         // Under the guard, with no handle holding the liveness byte, nobody can join it.
@@ -405,7 +402,7 @@ std::shared_ptr<NamedObject> NamedObject::acquire(ObjectKind kind, const char* n
     std::shared_ptr<NamedObject> object(new NamedObject(fd, key, directory, fileName, header));
     processObjects().add(key, object);
     if (!existed && sweepDue(object->owner_))
-        removeStale(*directory, sweptPerCreate, fileName);
+        removeStale(*directory, sweptPerCreate);
     SetLastError(existed ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
     return object;
 }
